@@ -1,0 +1,45 @@
+#pragma once
+// Writing a data folder: creating and deleting securities, adding, changing and deleting records.
+// Every operation raises Failure (with a description a user can read) when it cannot do what is
+// asked. Records written with mark -1 and ChangeQuote go through at once; records added with
+// mark 0 and DeleteQuote are kept until SaveQuotes.
+
+#include <QString>
+
+#include <memory>
+
+class SecurityWriter {
+public:
+    SecurityWriter();
+    ~SecurityWriter();
+    SecurityWriter(const SecurityWriter&) = delete;
+    SecurityWriter& operator=(const SecurityWriter&) = delete;
+
+    // Adds a security to the open folder and leaves it selected. The program passes the same text
+    // as symbol and name, and 1 (daily) as periodicity.
+    void CreateSecurity(const QString& symbol, const QString& name, qint32 periodicity);
+    // Adds a record to the selected security; a date the security holds is replaced.
+    void AddQuote(qint32 storeDate, qint32 mark, double open, double high, double low, double close,
+                  double volume, double extra);
+    void CloseFolder();
+    // Opens a data folder; an existing folder without a store opens as an empty store.
+    void OpenFolder(const QString& folderPath);
+    void FindSecurity(const QString& name);
+    void OpenSecurity(const QString& symbol);
+    void DeleteSecurity(const QString& symbol);
+    // Removes the record of that date (store date text, "20050806").
+    void DeleteQuote(const QString& storeDateText);
+    // Removes the records from first to last date, both inclusive.
+    void DeleteQuotes(const QString& firstDateText, const QString& lastDateText);
+    void ChangeQuote(const QString& storeDateText, const QString& markText, qint32 mark, double open,
+                     double high, double low, double close, double volume, double extra);
+    void ChangeSecurity(const QString& oldSymbol, const QString& name, const QString& symbol);
+    bool SymbolExists(const QString& symbol);
+    void CloseSecurity();
+    bool DateExists(const QString& storeDateText);
+    void SaveQuotes();
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> d;
+};

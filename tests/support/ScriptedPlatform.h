@@ -1,0 +1,69 @@
+#pragma once
+// The platform services as a test scripts them: every message box, chooser and prompt is recorded,
+// and answered from a queue the test fills ("the next box answers Yes", "the chooser returns
+// /tmp/x"). With the queue empty a box answers with its first button, a chooser and a prompt
+// are cancelled. Settings live in memory; today is fixed by the test.
+//
+// Constructing one installs it (setPlatform) and resets the shared state of Module1; destroying
+// it uninstalls it.
+
+#include "frame/Platform.h"
+
+#include <QDir>
+#include <QMap>
+#include <QQueue>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <functional>
+
+struct ShownBox {
+    QString text;
+    MsgIcon icon;
+    QString title;
+    MsgButtons buttons;
+};
+
+class ScriptedPlatform : public Platform {
+public:
+    ScriptedPlatform();
+    ~ScriptedPlatform() override;
+
+    // --- scripting ---
+    void answerNextBox(MsgAnswer answer) { boxAnswers.enqueue(answer); }
+    void chooseNext(const QString& folder) { chooserAnswers.enqueue(folder); }
+    void typeNext(const QString& text) { promptAnswers.enqueue(text); }
+    // Runs while a box is up (a modal box stops the caller; this is what "the user" does meanwhile).
+    std::function<void(const ShownBox&)> onBox;
+
+    // --- what was shown ---
+    QList<ShownBox> boxes;
+    QStringList chooserTitles;
+    QStringList prompts;
+    QStringList openedAddresses;
+    bool openAddressFails = false;
+
+    QDate todayDate{2026, 11, 23};
+    QMap<QString, QString> settings;   // "Section/Key" -> value
+    QTemporaryDir programDir;          // the program's own folder, empty at start
+    QTemporaryDir userDir;             // the per-user data folder
+
+    // The texts of all boxes shown, in order.
+    QStringList boxTexts() const;
+
+    // --- Platform ---
+    MsgAnswer messageBox(const QString& text, MsgIcon icon, const QString& title, MsgButtons buttons) override;
+    QString chooseFolder(QObject* owner, const QString& title) override;
+    QString prompt(const QString& text, const QString& title, const QString& defaultText) override;
+    bool openAddress(const QString& address) override;
+    QDate today() override { return todayDate; }
+    QString programFolder() override { return programDir.path(); }
+    QString userDataFolder() override { return userDir.path(); }
+    QString getSetting(const QString& section, const QString& key, const QString& defaultValue) override;
+    void saveSetting(const QString& section, const QString& key, const QString& value) override;
+
+private:
+    QQueue<MsgAnswer> boxAnswers;
+    QQueue<QString> chooserAnswers;
+    QQueue<QString> promptAnswers;
+};

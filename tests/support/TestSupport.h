@@ -1,0 +1,54 @@
+#pragma once
+// Small helpers shared by the tests.
+
+#include <QDir>
+#include <QLocale>
+#include <QString>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+// Pins the locale for the lifetime of the object.
+class LocaleGuard {
+public:
+    explicit LocaleGuard(const QString& name) : saved_(QLocale()) { QLocale::setDefault(QLocale(name)); }
+    ~LocaleGuard() { QLocale::setDefault(saved_); }
+    LocaleGuard(const LocaleGuard&) = delete;
+    LocaleGuard& operator=(const LocaleGuard&) = delete;
+
+private:
+    QLocale saved_;
+};
+
+// A fresh temporary folder for one test.
+class TempFolder {
+public:
+    TempFolder() { EXPECT_TRUE(dir_.isValid()); }
+    QString path() const { return dir_.path(); }
+    QString file(const QString& name) const { return QDir(dir_.path()).filePath(name); }
+    // A sub-folder, made when missing.
+    QString sub(const QString& name) const {
+        QDir(dir_.path()).mkpath(name);
+        return file(name);
+    }
+
+private:
+    QTemporaryDir dir_;
+};
+
+// The shared MetaStock fixture folders (../shared/fixtures/metastock/<name>); empty when absent.
+QString metastockFixture(const QString& name);
+
+// Copies a fixture folder into `target` (never write into the fixtures). False when absent.
+bool copyFixture(const QString& name, const QString& target);
+
+// Skips the current test with a clear message when the fixture folder is absent.
+#define REQUIRE_FIXTURE(name)                                                                  \
+    do {                                                                                       \
+        if (metastockFixture(name).isEmpty())                                                  \
+            GTEST_SKIP() << "fixture folder " << (name) << " not found beside the repository"; \
+    } while (0)
+
+// Writes text to a file, replacing it.
+void writeTextFile(const QString& path, const QByteArray& bytes);
+QByteArray readFileBytes(const QString& path);
