@@ -7,13 +7,13 @@
 
 #include <memory>
 
-void onNextModal(std::function<void(QWidget*)> action) {
+void onNextModal(std::function<void(QWidget*)> action, QWidget* except) {
     auto tries = std::make_shared<int>(0);
     auto timer = new QTimer;
     timer->setInterval(10);
-    QObject::connect(timer, &QTimer::timeout, [timer, tries, action] {
+    QObject::connect(timer, &QTimer::timeout, [timer, tries, action, except] {
         QWidget* modal = QApplication::activeModalWidget();
-        if (modal && modal->isVisible()) {
+        if (modal && modal != except && modal->isVisible()) {
             timer->stop();
             timer->deleteLater();
             action(modal);

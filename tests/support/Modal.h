@@ -8,8 +8,9 @@
 class QWidget;
 
 // Runs `action` with the next modal dialog once it is up (polled every 10 ms, for up to 5 s).
-// If none comes up in time the test fails.
-void onNextModal(std::function<void(QWidget*)> action);
+// A dialog that is `except` (the one already up, say) is passed over. If none comes up in time
+// the test fails.
+void onNextModal(std::function<void(QWidget*)> action, QWidget* except = nullptr);
 
 // Finds a child of `root` by objectName and type; fails the test when it is missing.
 template <typename T>
