@@ -1,0 +1,68 @@
+#include "catalogue/CreateSymbols.h"
+
+#include "frame/CommonRoutines.h"
+#include "frame/Failure.h"
+#include "frame/Regional.h"
+#include "store/SecurityWriter.h"
+
+#include <QDir>
+#include <QSaveFile>
+
+namespace CreateSymbols {
+
+namespace {
+// Periodicity code of a daily security.
+constexpr qint32 Daily = 1;
+
+QString twoDigits(int n) { return QString::number(n).rightJustified(2, u'0'); }
+} // namespace
+
+QString ValuesFilePath(const QString& folder) {
+    if (folder.endsWith(u'/') || folder.endsWith(u'\\'))
+        return folder + ValuesFileName;
+    return folder + u'/' + ValuesFileName;
+}
+
+QByteArray ValuesFileText(const QDate& fromDate) {
+    QString sep = GetDateSeparator();
+    if (sep.isEmpty())
+        sep = QStringLiteral("/");
+    const QString line = twoDigits(fromDate.day()) + sep + twoDigits(fromDate.month()) + sep
+                         + QString::number(fromDate.year()).rightJustified(4, u'0');
+    return (line + QStringLiteral("\r\n")).toUtf8();
+}
+
+void WriteValuesFile(const QString& folder, const QDate& fromDate) {
+    const QString path = ValuesFilePath(folder);
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        throw Failure(FailureNumber::PathNotFound,
+                      QStringLiteral("Could not write %1: %2").arg(QDir::toNativeSeparators(path), file.errorString()),
+                      QStringLiteral("CreateSymbols::WriteValuesFile"));
+    file.write(ValuesFileText(fromDate));
+    if (!file.commit())
+        throw Failure(FailureNumber::PathNotFound,
+                      QStringLiteral("Could not write %1: %2").arg(QDir::toNativeSeparators(path), file.errorString()),
+                      QStringLiteral("CreateSymbols::WriteValuesFile"));
+}
+
+void CreateSecurities(SecurityWriter& writer, const QString& folder, const QStringList& symbols,
+                      const QDate& fromDate) {
+    writer.OpenFolder(folder);
+    const qint32 storeDate = Regional::toStoreDate(fromDate);
+    const QString storeDateText = Regional::yyyymmdd(fromDate);
+    for (const QString& line : symbols) {
+        const QString symbol = line.trimmed();
+        if (writer.SymbolExists(symbol))
+            writer.DeleteSecurity(symbol);
+        writer.CreateSecurity(symbol, symbol, Daily);
+        // The seed record: added and taken out again, so that the security carries the from
+        // date as its first and last date while it holds no records.
+        writer.AddQuote(storeDate, 0, 0, 0, 0, 0, 0, 0);
+        writer.DeleteQuote(storeDateText);
+        writer.CloseSecurity();
+    }
+    writer.CloseFolder();
+}
+
+} // namespace CreateSymbols
