@@ -1,0 +1,188 @@
+#include "download/DownloadRun.h"
+
+#include "download/Inet.h"
+#include "download/clsDailyQuotes.h"
+#include "frame/Failure.h"
+#include "frame/Module1.h"
+#include "frame/Platform.h"
+#include "frame/Regional.h"
+#include "store/SecurityWriter.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+QDate readDateOrFail(const QString& text) {
+    const auto date = Regional::readDate(text);
+    if (!date)
+        throw Failure(13, QStringLiteral("Type mismatch"), QStringLiteral("RunDownload"));
+    return *date;
+}
+
+// A number as the store takes it: through its text form, 15 significant digits.
+double throughText(double value) {
+    const auto back = Regional::readNumber(Regional::numberText(value));
+    if (!back)
+        throw Failure(13, QStringLiteral("Type mismatch"), QStringLiteral("RunDownload"));
+    return *back;
+}
+
+} // namespace
+
+DownloadRun::DownloadRun(Inet& connection, DownloadListener& listener)
+    : Inet1(connection), listener_(listener) {}
+
+DownloadRun::~DownloadRun() = default;
+
+SecurityWriter& DownloadRun::writer() {
+    if (!Writer)
+        Writer = std::make_unique<SecurityWriter>();
+    return *Writer;
+}
+
+clsDailyQuotes& DownloadRun::fetcher() {
+    if (!objDQ)
+        objDQ = std::make_unique<clsDailyQuotes>(Inet1);
+    return *objDQ;
+}
+
+void DownloadRun::release() {
+    Writer.reset();
+    objDQ.reset();
+}
+
+template <typename Step>
+bool DownloadRun::step(Step&& action) {
+    if (!fetchReached_) {
+        std::forward<Step>(action)();
+        return true;
+    }
+    return passOver(std::forward<Step>(action));
+}
+
+void DownloadRun::RunDownload() {
+    running_ = true;
+    fetchReached_ = false;
+    const int count = Module1::DownloadItems.upperBound();
+    bool cancelled = false;
+    try {
+        for (int i = 1; i <= count && i <= std::numeric_limits<qint16>::max(); ++i) {
+            handleItem(i, count);
+            if (CancelRequested) {
+                cancelled = true;
+                break;
+            }
+        }
+        if (!cancelled) {
+            release();
+            listener_.captionChanged(QStringLiteral("Download Completed. / "));
+        }
+    } catch (const Failure&) {
+        // A failure before the first fetch ends the run at once.
+        release();
+    }
+
+    // Closing steps, reached by every end of the run.
+    passOver([&] { listener_.runEnded(); });
+    Inet1.Cancel();
+    running_ = false;
+    MsgBox(QStringLiteral("Download Completed."), MsgIcon::Information);
+}
+
+void DownloadRun::handleItem(int index, int count) {
+    const DownloadItem item = Module1::DownloadItems[index];
+    ItemIndex = static_cast<qint16>(index);
+
+    step([&] { listener_.itemStarted(index, count, item.Symbol, c, u, No); });
+
+    // Up to date when the next date lacking has reached today. Should the date not read, the
+    // test counts as passed.
+    bool upToDate = true;
+    step([&] { upToDate = readDateOrFail(item.NextDate) >= platform().today(); });
+
+    if (upToDate) {
+        step([&] { listener_.lineAdded(QStringLiteral("Upto Date : ") + item.Symbol); });
+        ++u;
+        listener_.countersChanged(c, u, No);
+    } else {
+        step([&] { listener_.fetching(item.Symbol); });
+        step([&] { writer().OpenFolder(item.Folder.trimmed()); });
+        step([&] { writer().OpenSecurity(item.Symbol.trimmed()); });
+
+        QDate firstDate;
+        step([&] { firstDate = readDateOrFail(item.FirstDate); });
+        fetchReached_ = true;
+        clsDailyQuotes& dq = fetcher();
+        if (firstDate.isValid()) {
+            dq.DownloadDailyQuotes(item.Symbol, firstDate, platform().today());
+        } else {
+            // No fetch without a first date; nothing of an earlier reply may reach this security.
+            Module1::Quotes.clear();
+            dq.Error = 2;
+        }
+
+        if (dq.Error == 0)
+            merge();
+
+        step([&] { listener_.recordProgress(0); });
+        step([&] { writer().SaveQuotes(); });
+        step([&] { writer().CloseSecurity(); });
+        step([&] { writer().CloseFolder(); });
+
+        switch (dq.Error) {
+        case 0:
+        case 1:
+            step([&] { listener_.lineAdded(QStringLiteral("Download Complete : ") + item.Symbol); });
+            ++c;
+            break;
+        case 2:
+            step([&] { listener_.lineAdded(QStringLiteral("No Data Available : ") + item.Symbol); });
+            ++No;
+            break;
+        default:
+            step([&] { listener_.lineAdded(QStringLiteral("No Internet Connection : ") + item.Symbol); });
+            break;
+        }
+        listener_.countersChanged(c, u, No);
+    }
+
+    step([&] {
+        listener_.captionChanged(QString::number(index) + QStringLiteral(" of ") + QString::number(count)
+                                 + QStringLiteral(" Completed. / "));
+    });
+}
+
+void DownloadRun::merge() {
+    const auto& quotes = Module1::Quotes;
+    // A security takes at most 32,767 records from one reply.
+    const int highest = std::min(quotes.upperBound(), int(std::numeric_limits<qint16>::max()));
+    step([&] { listener_.recordRange(highest); });
+    for (int r = highest; r >= 1; --r) {
+        RecordIndex = static_cast<qint16>(r);
+        const QuoteRecord& record = quotes[r];
+        step([&] { listener_.recordProgress(highest - r + 1); });
+
+        QString key;
+        step([&] { key = Regional::yyyymmdd(readDateOrFail(record.Dat)); });
+
+        bool exists = true;
+        step([&] {
+            if (key.isEmpty())
+                throw Failure(13, QStringLiteral("Type mismatch"), QStringLiteral("RunDownload"));
+            exists = writer().DateExists(key);
+        });
+        if (exists)
+            step([&] { writer().DeleteQuote(key); });
+
+        step([&] {
+            bool ok = false;
+            const qint32 date = key.toInt(&ok);
+            if (!ok)
+                throw Failure(13, QStringLiteral("Type mismatch"), QStringLiteral("RunDownload"));
+            writer().AddQuote(date, 0, throughText(record.OpenPrice), throughText(record.High),
+                              throughText(record.Low), throughText(record.ClosePrice),
+                              throughText(record.Volume), 0.0);
+        });
+    }
+}

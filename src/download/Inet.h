@@ -1,0 +1,59 @@
+#pragma once
+// The connection object of the download screens: a blocking HTTP GET. OpenURL returns when the
+// whole body is in hand or the transfer has failed; meanwhile a local event loop serves the
+// program's events, so that buttons such as Cancel get through. There is no retry.
+//
+// A reply with any HTTP status is returned as it came: the server answered, and the caller reads
+// what it holds. Only a failed transfer raises a Failure with FailureNumber::Network: no
+// connection, refused, a name that does not resolve, a time-out, a connection lost mid-body, a
+// cancelled transfer. A body larger than MaxReplyBytes raises Failure InetFailure::TooLarge.
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+
+class QNetworkAccessManager;
+class QNetworkReply;
+
+namespace InetFailure {
+inline constexpr int TooLarge = 7;   // "out of memory": the reply passed the size cap
+}
+
+class Inet {
+public:
+    Inet();
+    ~Inet();
+    Inet(const Inet&) = delete;
+    Inet& operator=(const Inet&) = delete;
+
+    // The reply's body as text (UTF-8).
+    QString OpenURL(const QString& url);
+    // The reply's body as bytes.
+    QByteArray OpenURLBytes(const QString& url);
+
+    // Cancels a transfer still open; OpenURL then fails. Does nothing when none is open.
+    void Cancel();
+    bool StillExecuting() const { return reply_ != nullptr; }
+
+    // Time without any data from the server after which a transfer fails, in milliseconds.
+    int RequestTimeoutMs;
+    // The largest body taken into memory.
+    qint64 MaxReplyBytes = qint64(64) * 1024 * 1024;
+
+    // The HTTP status of the last reply, 0 when none came.
+    int ResponseCode() const { return responseCode_; }
+    // Time spent waiting for replies since this object was made, in nanoseconds.
+    qint64 WaitedNanoseconds() const { return waitedNs_; }
+
+    // The time-out new objects start with: 60 seconds unless a test sets otherwise.
+    static int defaultTimeoutMs();
+    static void setDefaultTimeoutMs(int ms);
+
+private:
+    std::unique_ptr<QNetworkAccessManager> manager_;
+    QNetworkReply* reply_ = nullptr;
+    bool cancelled_ = false;
+    int responseCode_ = 0;
+    qint64 waitedNs_ = 0;
+};

@@ -1,0 +1,15 @@
+#pragma once
+// The addresses of the web services the download runs fetch from. They live here and nowhere
+// else; tests point them at a loopback server.
+
+#include <QString>
+
+namespace ServiceAddresses {
+
+// The endpoint of the historical quotes service: scheme and host (and port), no path; the
+// fetcher appends "/table.csv?s=..." to it.
+QString yahooQuotes();
+// Points the quotes service elsewhere; empty text restores the default.
+void setYahooQuotes(const QString& endpoint);
+
+} // namespace ServiceAddresses

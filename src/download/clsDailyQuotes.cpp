@@ -1,0 +1,116 @@
+#include "download/clsDailyQuotes.h"
+
+#include "download/Inet.h"
+#include "download/ServiceAddresses.h"
+#include "frame/Failure.h"
+#include "frame/Module1.h"
+#include "frame/Regional.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+QString traceOverride;
+
+constexpr int Stride = 7;   // Date, Open, High, Low, Close, Volume, and a seventh column
+
+double toDouble(QStringView field) {
+    const auto value = Regional::readNumber(field.toString());
+    if (!value)
+        throw Failure(13, QStringLiteral("Type mismatch"), QStringLiteral("clsDailyQuotes"));
+    return *value;
+}
+
+// Text to a signed 32-bit whole number, half to even; out of range is a failure.
+qint32 toVolume(QStringView field) {
+    const double rounded = std::nearbyint(toDouble(field));
+    if (rounded < std::numeric_limits<qint32>::min() || rounded > std::numeric_limits<qint32>::max())
+        throw Failure(6, QStringLiteral("Overflow"), QStringLiteral("clsDailyQuotes"));
+    return static_cast<qint32>(rounded);
+}
+
+void writeTrace(const QString& normalised) {
+    QFile file(clsDailyQuotes::tracePath());
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        throw Failure(75, QStringLiteral("Path/File access error"), QStringLiteral("clsDailyQuotes"));
+    const QByteArray bytes = normalised.toUtf8() + "\r\n";
+    if (file.write(bytes) != bytes.size())
+        throw Failure(75, QStringLiteral("Path/File access error"), QStringLiteral("clsDailyQuotes"));
+}
+
+} // namespace
+
+QString clsDailyQuotes::tracePath() {
+    if (!traceOverride.isEmpty())
+        return traceOverride;
+#ifdef Q_OS_WIN
+    if (QFileInfo::exists(QStringLiteral("c:/")))
+        return QStringLiteral("c:\\t.txt");
+#endif
+    return QDir(QDir::tempPath()).filePath(QStringLiteral("t.txt"));
+}
+
+void clsDailyQuotes::setTracePath(const QString& path) { traceOverride = path; }
+
+QString clsDailyQuotes::QuotesQuery(const QString& Symbol, const QDate& FirstDate, const QDate& LastDate) {
+    const auto n = [](int value) { return QString::number(value); };
+    return QStringLiteral("/table.csv?s=") + Symbol.trimmed()
+         + QStringLiteral("&d=") + n(LastDate.month() - 1)
+         + QStringLiteral("&e=") + n(LastDate.day())
+         + QStringLiteral("&f=") + n(LastDate.year())
+         + QStringLiteral("&g=d&a=") + n(FirstDate.month() - 1)
+         + QStringLiteral("&b=") + n(FirstDate.day())
+         + QStringLiteral("&c=") + n(FirstDate.year())
+         + QStringLiteral("&ignore=.csv");
+}
+
+QString clsDailyQuotes::NormaliseReply(QString reply) {
+    reply.replace(QChar(13), QChar(u','));
+    reply.replace(QChar(10), QChar(u','));
+    return reply;
+}
+
+qint16 clsDailyQuotes::ReadTable(const QString& normalised) {
+    const QList<QStringView> fields = QStringView(normalised).split(u',');
+    const qsizetype last = fields.size() - 1;   // L, the highest field number
+    if (last <= 10)
+        return 2;
+
+    auto& quotes = Module1::Quotes;
+    quotes.clear();
+    try {
+        int row = 0;
+        for (qsizetype i = Stride; i <= last - Stride; i += Stride) {
+            ++row;
+            if (!Regional::readNumber(fields[i + 2].toString()))
+                continue;   // a High that is no number: the row doesn't count, its index stays empty
+            quotes.resizeTo(row);
+            QuoteRecord& record = quotes[row];
+            record.Dat = fields[i].toString();
+            record.OpenPrice = toDouble(fields[i + 1]);
+            record.High = toDouble(fields[i + 2]);
+            record.Low = toDouble(fields[i + 3]);
+            record.ClosePrice = toDouble(fields[i + 4]);
+            record.Volume = toVolume(fields[i + 5]);
+        }
+    } catch (const Failure&) {
+        return 2;
+    }
+    return 0;
+}
+
+void clsDailyQuotes::DownloadDailyQuotes(const QString& Symbol, const QDate& FirstDate, const QDate& LastDate) {
+    try {
+        const QString url = ServiceAddresses::yahooQuotes() + QuotesQuery(Symbol, FirstDate, LastDate);
+        const QString normalised = NormaliseReply(Inet1.OpenURL(url));
+        writeTrace(normalised);
+        Error = ReadTable(normalised);
+    } catch (const Failure& failure) {
+        Error = failure.Number == FailureNumber::Network ? 3 : 2;
+    }
+}

@@ -1,0 +1,39 @@
+#pragma once
+// Fetches the daily quotes of one security from the historical quotes service and leaves them,
+// parsed, in Module1::Quotes. One request, one outcome in Error; no message is shown here.
+
+#include <QDate>
+#include <QString>
+
+class Inet;
+
+class clsDailyQuotes {
+public:
+    // Fetches through the connection object of the screen that runs the download.
+    explicit clsDailyQuotes(Inet& connection) : Inet1(connection) {}
+
+    // Outcome of the last DownloadDailyQuotes:
+    //   0  the reply had the shape of a quote table and every row read converted; rows in Quotes
+    //   2  no usable data: an answer without a usable table, a row that did not convert,
+    //      an unwritable trace file
+    //   3  the transfer failed: no connection, refused, unknown host, time-out
+    qint16 Error = 0;
+
+    void DownloadDailyQuotes(const QString& Symbol, const QDate& FirstDate, const QDate& LastDate);
+
+    // The path and query asked for: "/table.csv?s=ABC&d=7&e=5&f=2005&g=d&a=6&b=1&c=2005&ignore=.csv".
+    static QString QuotesQuery(const QString& Symbol, const QDate& FirstDate, const QDate& LastDate);
+    // Every CR and then every LF of the reply becomes a comma.
+    static QString NormaliseReply(QString reply);
+    // The shape test and the row walk over normalised text: fills Quotes, returns the outcome
+    // (0 or 2). Quotes is emptied before the walk, so no row of an earlier reply stays behind.
+    static qint16 ReadTable(const QString& normalised);
+
+    // Where the last normalised reply is written: c:\t.txt where there is a drive C:, else t.txt
+    // in the system's temporary folder. Tests may move it; empty text restores the default.
+    static QString tracePath();
+    static void setTracePath(const QString& path);
+
+private:
+    Inet& Inet1;
+};
