@@ -1,0 +1,619 @@
+#include "store/MetaStockFormat.h"
+
+#include "frame/Failure.h"
+
+#include <QSet>
+
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+namespace metastock {
+
+namespace {
+
+constexpr int MasterRecordLength = 53;
+constexpr int EmasterRecordLength = 192;
+constexpr int XmasterRecordLength = 150;
+constexpr unsigned char XmasterMagic[4] = {0x5D, 0xFE, 0x58, 0x4D};
+constexpr qint32 NoDateMarker = 19000101;  // what the vendor writes for "no date"
+const char Copyright[] = "Brindlemark v6 data store";
+
+[[noreturn]] void corrupt(const QString& file, const QString& what) {
+    throw Failure(FailureNumber::Store, QStringLiteral("The file %1 cannot be read: %2.").arg(file, what),
+                  QStringLiteral("metastock::parse"));
+}
+
+const unsigned char* bytesOf(const QByteArray& b) { return reinterpret_cast<const unsigned char*>(b.constData()); }
+unsigned char* bytesOf(QByteArray& b) { return reinterpret_cast<unsigned char*>(b.data()); }
+
+quint16 u16(const QByteArray& b, int off) {
+    const unsigned char* p = bytesOf(b) + off;
+    return quint16(p[0] | (p[1] << 8));
+}
+qint32 i32(const QByteArray& b, int off) {
+    const unsigned char* p = bytesOf(b) + off;
+    return qint32(quint32(p[0]) | (quint32(p[1]) << 8) | (quint32(p[2]) << 16) | (quint32(p[3]) << 24));
+}
+float f32(const QByteArray& b, int off) {
+    float f;
+    std::memcpy(&f, b.constData() + off, 4);  // IEEE little-endian, as the hosts we build for
+    return f;
+}
+float mbfAt(const QByteArray& b, int off) { return mbfToFloat(bytesOf(b) + off); }
+
+void putU16(QByteArray& b, int off, quint16 v) {
+    b[off] = char(v & 0xFF);
+    b[off + 1] = char(v >> 8);
+}
+void putI32(QByteArray& b, int off, qint32 v) {
+    const quint32 u = quint32(v);
+    for (int i = 0; i < 4; ++i)
+        b[off + i] = char((u >> (8 * i)) & 0xFF);
+}
+void putF32(QByteArray& b, int off, float v) { std::memcpy(b.data() + off, &v, 4); }
+void putMbf(QByteArray& b, int off, float v) {
+    unsigned char out[4] = {0, 0, 0, 0};
+    floatToMbf(v, out);
+    std::memcpy(b.data() + off, out, 4);
+}
+
+// Text of a fixed field: up to the first NUL, blanks trimmed at both ends.
+QString textAt(const QByteArray& b, int off, int len) {
+    const char* p = b.constData() + off;
+    int n = 0;
+    while (n < len && p[n] != '\0')
+        ++n;
+    return QString::fromLatin1(p, n).trimmed();
+}
+void putText(QByteArray& b, int off, int len, const QString& text, char pad) {
+    const QByteArray latin = text.toLatin1().left(len);
+    std::memset(b.data() + off, pad, size_t(len));
+    std::memcpy(b.data() + off, latin.constData(), size_t(latin.size()));
+}
+
+qint32 dateFromIndexInt(qint32 v) {
+    if (v == NoDateMarker || !isValidStoreDate(v))
+        return 0;
+    return v;
+}
+qint32 dateFromIndexFloat(float v) {
+    const qint32 d = storeDateFromYyymmdd(v);
+    return (d == NoDateMarker || !isValidStoreDate(d)) ? 0 : d;
+}
+
+// What a raw MASTER record says.
+Security readMasterRecord(const QByteArray& raw) {
+    Security s;
+    s.fileNumber = bytesOf(raw)[0];
+    s.fieldCount = bytesOf(raw)[4];
+    s.name = textAt(raw, 7, 16);
+    s.firstDate = dateFromIndexFloat(mbfAt(raw, 25));
+    s.lastDate = dateFromIndexFloat(mbfAt(raw, 29));
+    s.periodicity = raw[33];
+    s.interval = u16(raw, 34);
+    s.symbol = textAt(raw, 36, 14);
+    s.masterRaw = raw;
+    return s;
+}
+
+struct EmasterView {
+    QString symbol, shortName, fullName;
+    qint32 firstDate, lastDate, firstDateLong;
+    int fieldCount, fieldBits;
+};
+EmasterView readEmasterRecord(const QByteArray& raw) {
+    EmasterView v;
+    v.fieldCount = bytesOf(raw)[6];
+    v.fieldBits = bytesOf(raw)[7];
+    v.symbol = textAt(raw, 11, 14);
+    v.shortName = textAt(raw, 32, 16);
+    v.fullName = textAt(raw, 139, 53);
+    v.firstDate = dateFromIndexFloat(f32(raw, 64));
+    v.lastDate = dateFromIndexFloat(f32(raw, 72));
+    v.firstDateLong = dateFromIndexInt(i32(raw, 126));
+    return v;
+}
+QString emasterName(const EmasterView& v) {
+    return v.fullName.isEmpty() ? v.shortName : v.fullName;
+}
+
+Security readXmasterRecord(const QByteArray& raw) {
+    Security s;
+    s.extended = true;
+    s.symbol = textAt(raw, 1, 15);
+    s.name = textAt(raw, 16, 46);
+    s.periodicity = raw[62];
+    s.interval = u16(raw, 63);
+    s.fileNumber = u16(raw, 65);
+    s.fieldBits = bytesOf(raw)[70];
+    s.fieldCount = std::popcount(unsigned(s.fieldBits));
+    s.firstDate = dateFromIndexInt(i32(raw, 108));
+    if (s.firstDate == 0)
+        s.firstDate = dateFromIndexInt(i32(raw, 104));
+    s.lastDate = dateFromIndexInt(i32(raw, 116));
+    s.xmasterRaw = raw;
+    return s;
+}
+
+qint32 indexIntDate(qint32 storeDate) { return storeDate == 0 ? NoDateMarker : storeDate; }
+
+} // namespace
+
+// ---- MBF ---------------------------------------------------------------------------------------
+
+float mbfToFloat(const unsigned char* b) {
+    if (b[3] <= 2)  // 0 is the value 0; 1 and 2 fall below what a float holds
+        return 0.0f;
+    const quint32 sign = (b[2] & 0x80u) << 24;
+    const quint32 mantissa = (quint32(b[2] & 0x7F) << 16) | (quint32(b[1]) << 8) | b[0];
+    const quint32 bits = sign | (quint32(b[3] - 2) << 23) | mantissa;
+    float f;
+    std::memcpy(&f, &bits, 4);
+    return f;
+}
+
+bool floatToMbf(float value, unsigned char* out) {
+    quint32 bits;
+    std::memcpy(&bits, &value, 4);
+    const quint32 exponent = (bits >> 23) & 0xFF;
+    if (exponent >= 254)
+        return false;
+    if (exponent == 0) {
+        std::memset(out, 0, 4);
+        return true;
+    }
+    const quint32 mantissa = bits & 0x7FFFFF;
+    out[0] = mantissa & 0xFF;
+    out[1] = (mantissa >> 8) & 0xFF;
+    out[2] = ((bits >> 31) << 7) | (mantissa >> 16);
+    out[3] = exponent + 2;
+    return true;
+}
+
+qint32 storeDateFromYyymmdd(double yyymmdd) {
+    if (!(yyymmdd > 0) || yyymmdd > 2e7)
+        return 0;
+    return qint32(std::llround(yyymmdd)) + 19000000;
+}
+
+double yyymmddFromStoreDate(qint32 storeDate) { return storeDate == 0 ? 0.0 : double(storeDate - 19000000); }
+
+bool isValidStoreDate(qint32 d) {
+    const int year = d / 10000, month = (d / 100) % 100, day = d % 100;
+    if (year < 1900 || year > 2999 || month < 1 || month > 12 || day < 1)
+        return false;
+    static constexpr int days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+    return day <= days[month - 1] + ((month == 2 && leap) ? 1 : 0);
+}
+
+char periodicityLetter(qint32 code) {
+    switch (code) {
+    case 1: return 'D';
+    case 2: return 'W';
+    case 3: return 'M';
+    case 4: return 'Q';
+    case 5: return 'Y';
+    case 6: return 'I';
+    default: return 0;
+    }
+}
+
+qint32 periodicityCode(char letter) {
+    switch (letter) {
+    case 'D': case 'd': return 1;
+    case 'W': case 'w': return 2;
+    case 'M': case 'm': return 3;
+    case 'Q': case 'q': return 4;
+    case 'Y': case 'y': return 5;
+    case 'I': case 'i': return 6;
+    default: return 0;
+    }
+}
+
+// ---- Layout ------------------------------------------------------------------------------------
+
+std::optional<Layout> Layout::of(int fieldCount, int fieldBits, char periodicity) {
+    Layout l;
+    l.fieldCount = fieldCount;
+    if (fieldBits >= 0 && std::popcount(unsigned(fieldBits & 0xFF)) == fieldCount && (fieldBits & 0x1D) == 0x1D) {
+        l.time = fieldBits & 0x80;
+        l.open = fieldBits & 0x02;
+        l.volume = fieldBits & 0x20;
+        l.openInterest = fieldBits & 0x40;
+        return l;
+    }
+    switch (fieldCount) {
+    case 5: l.open = false; l.openInterest = false; return l;
+    case 6: l.openInterest = false; return l;
+    case 7:
+        if (periodicity == 'I' || periodicity == 'i') {
+            l.time = true;
+            l.openInterest = false;
+        }
+        return l;
+    case 8: l.time = true; return l;
+    default: return std::nullopt;
+    }
+}
+
+Layout Security::layout() const {
+    if (auto l = Layout::of(fieldCount, fieldBits, periodicity))
+        return *l;
+    return Layout{};
+}
+
+QString Security::dataFileName() const {
+    return QStringLiteral("F%1.%2").arg(fileNumber).arg(extended ? QStringLiteral("MWD") : QStringLiteral("DAT"));
+}
+
+int Index::masterCount() const {
+    int n = 0;
+    for (const Security& s : securities)
+        n += s.extended ? 0 : 1;
+    return n;
+}
+int Index::extendedCount() const { return int(securities.size()) - masterCount(); }
+
+// ---- Index parsing -----------------------------------------------------------------------------
+
+Index parseIndex(const QByteArray& master, const QByteArray* emaster, const QByteArray* xmaster) {
+    Index index;
+    const QString masterName = QStringLiteral("MASTER");
+    if (master.size() < MasterRecordLength)
+        corrupt(masterName, QStringLiteral("it is %1 bytes long, shorter than its header").arg(master.size()));
+    const int count = u16(master, 0);
+    if (count > MaxMasterSecurities)
+        corrupt(masterName, QStringLiteral("its header counts %1 securities, more than 255").arg(count));
+    if (master.size() < qint64(count + 1) * MasterRecordLength)
+        corrupt(masterName, QStringLiteral("its header counts %1 securities but it holds only %2 bytes")
+                                .arg(count).arg(master.size()));
+    index.hasMaster = true;
+    index.masterHeader = master.left(MasterRecordLength);
+    index.highestMasterNumber = u16(master, 2);
+
+    QSet<int> numbers;
+    for (int i = 1; i <= count; ++i) {
+        Security s = readMasterRecord(master.mid(i * MasterRecordLength, MasterRecordLength));
+        if (s.fileNumber == 0)
+            corrupt(masterName, QStringLiteral("security record %1 has no file number").arg(i));
+        if (numbers.contains(s.fileNumber))
+            corrupt(masterName, QStringLiteral("file number %1 is listed twice").arg(s.fileNumber));
+        if (s.fieldCount < 5 || s.fieldCount > 8)
+            corrupt(masterName, QStringLiteral("security record %1 has %2 fields").arg(i).arg(s.fieldCount));
+        if (bytesOf(s.masterRaw)[3] != 4 * s.fieldCount)
+            corrupt(masterName, QStringLiteral("security record %1 has a record length of %2 for %3 fields")
+                                    .arg(i).arg(int(bytesOf(s.masterRaw)[3])).arg(s.fieldCount));
+        numbers.insert(s.fileNumber);
+        index.securities.push_back(std::move(s));
+    }
+
+    if (emaster) {
+        const QString name = QStringLiteral("EMASTER");
+        if (emaster->size() < EmasterRecordLength)
+            corrupt(name, QStringLiteral("it is %1 bytes long, shorter than its header").arg(emaster->size()));
+        const int ecount = u16(*emaster, 0);
+        if (emaster->size() < qint64(ecount + 1) * EmasterRecordLength)
+            corrupt(name, QStringLiteral("its header counts %1 securities but it holds only %2 bytes")
+                              .arg(ecount).arg(emaster->size()));
+        index.hasEmaster = true;
+        index.emasterHeader = emaster->left(EmasterRecordLength);
+        for (int i = 1; i <= ecount; ++i) {
+            const QByteArray raw = emaster->mid(i * EmasterRecordLength, EmasterRecordLength);
+            const int number = bytesOf(raw)[2];
+            for (Security& s : index.securities) {
+                if (s.fileNumber != number || !s.emasterRaw.isEmpty())
+                    continue;
+                s.emasterRaw = raw;
+                const EmasterView v = readEmasterRecord(raw);
+                // EMASTER may lag behind MASTER: its long name counts only while it still
+                // starts with MASTER's short one; MASTER's dates win.
+                const QString full = emasterName(v);
+                if (full.size() > s.name.size() && full.startsWith(s.name))
+                    s.name = full;
+                if (v.fieldCount == s.fieldCount)
+                    s.fieldBits = v.fieldBits;
+                break;
+            }
+        }
+    }
+
+    if (xmaster) {
+        const QString name = QStringLiteral("XMASTER");
+        if (xmaster->size() < XmasterRecordLength || std::memcmp(xmaster->constData(), XmasterMagic, 4) != 0) {
+            index.foreignXmaster = true;
+        } else {
+            const int xcount = u16(*xmaster, 10);
+            if (xmaster->size() < qint64(xcount + 1) * XmasterRecordLength)
+                corrupt(name, QStringLiteral("its header counts %1 securities but it holds only %2 bytes")
+                                  .arg(xcount).arg(xmaster->size()));
+            index.hasXmaster = true;
+            index.xmasterHeader = xmaster->left(XmasterRecordLength);
+            index.nextExtendedNumber = u16(*xmaster, 18);
+            for (int i = 1; i <= xcount; ++i) {
+                Security s = readXmasterRecord(xmaster->mid(i * XmasterRecordLength, XmasterRecordLength));
+                if (s.fileNumber == 0)
+                    corrupt(name, QStringLiteral("security record %1 has no file number").arg(i));
+                if (numbers.contains(s.fileNumber))
+                    corrupt(name, QStringLiteral("file number %1 is listed twice").arg(s.fileNumber));
+                if (!Layout::of(s.fieldCount, s.fieldBits, s.periodicity))
+                    corrupt(name, QStringLiteral("security record %1 has the field set %2")
+                                      .arg(i).arg(s.fieldBits, 2, 16, QLatin1Char('0')));
+                numbers.insert(s.fileNumber);
+                index.securities.push_back(std::move(s));
+            }
+        }
+    }
+    return index;
+}
+
+// ---- Index building ----------------------------------------------------------------------------
+
+QByteArray newMasterRecord(const Security& s) {
+    QByteArray r(MasterRecordLength, '\0');
+    r[0] = char(s.fileNumber);
+    putU16(r, 1, 101);
+    r[3] = char(4 * s.fieldCount);
+    r[4] = char(s.fieldCount);
+    putText(r, 7, 16, s.name, ' ');
+    putMbf(r, 25, float(yyymmddFromStoreDate(s.firstDate)));
+    putMbf(r, 29, float(yyymmddFromStoreDate(s.lastDate)));
+    r[33] = s.periodicity;
+    putU16(r, 34, s.interval);
+    putText(r, 36, 14, s.symbol, ' ');
+    r[50] = ' ';
+    r[51] = ' ';
+    return r;
+}
+
+QByteArray newEmasterRecord(const Security& s) {
+    QByteArray r(EmasterRecordLength, '\0');
+    r[0] = '6';
+    r[1] = '6';
+    r[2] = char(s.fileNumber);
+    r[6] = char(s.fieldCount);
+    r[7] = char(s.fieldBits >= 0 ? s.fieldBits : 0x7F);
+    r[9] = ' ';
+    putText(r, 11, 14, s.symbol, '\0');
+    putText(r, 32, 16, s.name, '\0');
+    r[60] = s.periodicity;
+    putU16(r, 62, s.interval);
+    putF32(r, 64, float(yyymmddFromStoreDate(s.firstDate)));
+    putF32(r, 72, float(yyymmddFromStoreDate(s.lastDate)));
+    putI32(r, 126, s.firstDate);
+    if (s.name.size() > 16)
+        putText(r, 139, 53, s.name.left(MaxNameLength), '\0');
+    return r;
+}
+
+QByteArray newXmasterRecord(const Security& s) {
+    QByteArray r(XmasterRecordLength, '\0');
+    r[0] = 0x01;
+    putText(r, 1, 15, s.symbol.left(MaxSymbolLength), '\0');
+    putText(r, 16, 46, s.name.left(MaxNameLength), '\0');
+    r[62] = s.periodicity;
+    putU16(r, 63, s.interval);
+    putU16(r, 65, quint16(s.fileNumber));
+    r[70] = char(s.fieldBits >= 0 ? s.fieldBits : 0x7F);
+    putI32(r, 104, indexIntDate(s.firstDate));
+    putI32(r, 108, indexIntDate(s.firstDate));
+    putI32(r, 116, indexIntDate(s.lastDate));
+    return r;
+}
+
+namespace {
+
+// A record as read, with the fields the program changes written over it where they differ from
+// what the record says; everything else stays as it was.
+QByteArray masterRecordOf(const Security& s) {
+    if (s.masterRaw.size() != MasterRecordLength)
+        return newMasterRecord(s);
+    QByteArray r = s.masterRaw;
+    const Security was = readMasterRecord(r);
+    if (was.name != s.name.left(16).trimmed())
+        putText(r, 7, 16, s.name, ' ');
+    if (was.symbol != s.symbol)
+        putText(r, 36, 14, s.symbol, ' ');
+    if (was.firstDate != s.firstDate)
+        putMbf(r, 25, float(yyymmddFromStoreDate(s.firstDate)));
+    if (was.lastDate != s.lastDate)
+        putMbf(r, 29, float(yyymmddFromStoreDate(s.lastDate)));
+    return r;
+}
+
+QByteArray emasterRecordOf(const Security& s) {
+    if (s.emasterRaw.size() != EmasterRecordLength)
+        return newEmasterRecord(s);
+    QByteArray r = s.emasterRaw;
+    const EmasterView was = readEmasterRecord(r);
+    if (was.symbol != s.symbol)
+        putText(r, 11, 14, s.symbol, '\0');
+    if (emasterName(was) != s.name) {
+        putText(r, 32, 16, s.name, '\0');
+        putText(r, 139, 53, s.name.size() > 16 ? s.name.left(MaxNameLength) : QString(), '\0');
+    }
+    if (was.firstDate != s.firstDate)
+        putF32(r, 64, float(yyymmddFromStoreDate(s.firstDate)));
+    if (was.lastDate != s.lastDate)
+        putF32(r, 72, float(yyymmddFromStoreDate(s.lastDate)));
+    if (was.firstDateLong != s.firstDate)
+        putI32(r, 126, s.firstDate);
+    return r;
+}
+
+QByteArray xmasterRecordOf(const Security& s) {
+    if (s.xmasterRaw.size() != XmasterRecordLength)
+        return newXmasterRecord(s);
+    QByteArray r = s.xmasterRaw;
+    const Security was = readXmasterRecord(r);
+    if (was.symbol != s.symbol)
+        putText(r, 1, 15, s.symbol.left(MaxSymbolLength), '\0');
+    if (was.name != s.name)
+        putText(r, 16, 46, s.name.left(MaxNameLength), '\0');
+    if (was.firstDate != s.firstDate) {
+        putI32(r, 104, indexIntDate(s.firstDate));
+        putI32(r, 108, indexIntDate(s.firstDate));
+    }
+    if (was.lastDate != s.lastDate)
+        putI32(r, 116, indexIntDate(s.lastDate));
+    return r;
+}
+
+} // namespace
+
+QByteArray buildMaster(const Index& index) {
+    QByteArray header = index.masterHeader.size() == MasterRecordLength ? index.masterHeader
+                                                                         : QByteArray(MasterRecordLength, '\0');
+    int highest = index.highestMasterNumber;
+    QByteArray body;
+    int count = 0;
+    for (const Security& s : index.securities) {
+        if (s.extended)
+            continue;
+        body += masterRecordOf(s);
+        highest = std::max(highest, s.fileNumber);
+        ++count;
+    }
+    putU16(header, 0, quint16(count));
+    putU16(header, 2, quint16(highest));
+    return header + body;
+}
+
+QByteArray buildEmaster(const Index& index) {
+    QByteArray header = index.emasterHeader;
+    if (header.size() != EmasterRecordLength) {
+        header = QByteArray(EmasterRecordLength, '\0');
+        if (index.masterHeader.size() == MasterRecordLength)
+            header.replace(49, 4, index.masterHeader.mid(49, 4));
+        std::memcpy(header.data() + 53, Copyright, sizeof(Copyright));
+    }
+    int highest = index.highestMasterNumber;
+    QByteArray body;
+    int count = 0;
+    for (const Security& s : index.securities) {
+        if (s.extended)
+            continue;
+        body += emasterRecordOf(s);
+        highest = std::max(highest, s.fileNumber);
+        ++count;
+    }
+    putU16(header, 0, quint16(count));
+    putU16(header, 2, quint16(highest));
+    return header + body;
+}
+
+QByteArray buildXmaster(const Index& index) {
+    QByteArray header = index.xmasterHeader;
+    if (header.size() != XmasterRecordLength) {
+        header = QByteArray(XmasterRecordLength, '\0');
+        std::memcpy(header.data(), XmasterMagic, 4);
+        if (index.masterHeader.size() == MasterRecordLength)
+            header.replace(6, 4, index.masterHeader.mid(49, 4));
+        std::memcpy(header.data() + 22, Copyright, sizeof(Copyright));
+    }
+    int next = index.nextExtendedNumber;
+    QByteArray body;
+    int count = 0;
+    for (const Security& s : index.securities) {
+        if (!s.extended)
+            continue;
+        body += xmasterRecordOf(s);
+        next = std::max(next, s.fileNumber + 1);
+        ++count;
+    }
+    putU16(header, 10, quint16(count));
+    putU16(header, 14, quint16(count));
+    putU16(header, 18, quint16(next));
+    return header + body;
+}
+
+// ---- Data files --------------------------------------------------------------------------------
+
+int dataRecordCount(const QByteArray& head, qint64 fileSize, const Layout& layout, const QString& fileName) {
+    const int length = layout.recordLength();
+    if (head.size() < 4 || fileSize < length)
+        corrupt(fileName, QStringLiteral("it is %1 bytes long, shorter than its header").arg(fileSize));
+    const int stated = u16(head, 2);
+    const int count = stated > 0 ? stated - 1 : 0;
+    const qint64 fit = fileSize / length - 1;
+    if (count > fit)
+        corrupt(fileName, QStringLiteral("its header counts %1 records but only %2 fit in its %3 bytes")
+                              .arg(count).arg(fit).arg(fileSize));
+    return count;
+}
+
+std::vector<Record> parseData(const QByteArray& bytes, const Layout& layout, const QString& fileName) {
+    const int count = dataRecordCount(bytes, bytes.size(), layout, fileName);
+    const int length = layout.recordLength();
+    std::vector<Record> records(static_cast<size_t>(count));
+    const unsigned char* p = bytesOf(bytes) + length;
+    for (int i = 0; i < count; ++i, p += length) {
+        Record& r = records[size_t(i)];
+        const unsigned char* f = p;
+        r.date = storeDateFromYyymmdd(mbfToFloat(f));
+        f += 4;
+        if (layout.time) {
+            r.time = qint32(std::lround(mbfToFloat(f)));
+            f += 4;
+        }
+        if (layout.open) {
+            r.open = mbfToFloat(f);
+            f += 4;
+        }
+        r.high = mbfToFloat(f);
+        r.low = mbfToFloat(f + 4);
+        r.close = mbfToFloat(f + 8);
+        f += 12;
+        if (layout.volume) {
+            r.volume = mbfToFloat(f);
+            f += 4;
+        }
+        if (layout.openInterest)
+            r.openInterest = mbfToFloat(f);
+    }
+    return records;
+}
+
+QByteArray dataHeader(int count, const Layout& layout) {
+    QByteArray h(layout.recordLength(), '\0');
+    putU16(h, 2, quint16(count + 1));
+    return h;
+}
+
+QByteArray encodeRecords(const std::vector<Record>& records, const Layout& layout) {
+    const int length = layout.recordLength();
+    QByteArray out(qsizetype(records.size()) * length, '\0');
+    unsigned char* p = bytesOf(out);
+    for (const Record& r : records) {
+        unsigned char* f = p;
+        floatToMbf(float(yyymmddFromStoreDate(r.date)), f);
+        f += 4;
+        if (layout.time) {
+            floatToMbf(float(r.time), f);
+            f += 4;
+        }
+        if (layout.open) {
+            floatToMbf(r.open, f);
+            f += 4;
+        }
+        floatToMbf(r.high, f);
+        floatToMbf(r.low, f + 4);
+        floatToMbf(r.close, f + 8);
+        f += 12;
+        if (layout.volume) {
+            floatToMbf(r.volume, f);
+            f += 4;
+        }
+        if (layout.openInterest)
+            floatToMbf(r.openInterest, f);
+        p += length;
+    }
+    return out;
+}
+
+QByteArray buildData(const std::vector<Record>& records, const Layout& layout) {
+    return dataHeader(int(records.size()), layout) + encodeRecords(records, layout);
+}
+
+} // namespace metastock

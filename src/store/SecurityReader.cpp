@@ -1,0 +1,168 @@
+#include "store/SecurityReader.h"
+
+#include "frame/Failure.h"
+#include "store/StoreFolder.h"
+
+#include <optional>
+
+using namespace metastock;
+
+namespace {
+
+[[noreturn]] void refuse(const QString& text, const char* operation) {
+    throw Failure(FailureNumber::Store, text, QStringLiteral("SecurityReader::%1").arg(QLatin1String(operation)));
+}
+
+} // namespace
+
+struct SecurityReader::Impl {
+    std::optional<Folder> folder;
+    int cursor = -1;    // the security cursor: -1 before the first
+    int selected = -1;  // the security of FindSecurity / OpenSecurity, -1 for none
+    bool recordsOpen = false;
+    std::vector<Record> records;
+    int recordCursor = -1;
+
+    void requireFolder(const char* operation) const {
+        if (!folder)
+            refuse(QStringLiteral("No folder is open."), operation);
+    }
+    int current(const char* operation) const {
+        requireFolder(operation);
+        const int i = selected >= 0 ? selected : cursor;
+        if (i < 0)
+            refuse(QStringLiteral("No security is selected."), operation);
+        return i;
+    }
+    const Security& security(const char* operation) const {
+        return folder->index.securities[size_t(current(operation))];
+    }
+    const Record& record(const char* operation) const {
+        if (!recordsOpen || recordCursor < 0)
+            refuse(QStringLiteral("No record is current."), operation);
+        return records[size_t(recordCursor)];
+    }
+    // First and last date of the current security: from its records, or from the index for a
+    // security without records (or whose data file cannot be read).
+    std::pair<qint32, qint32> dates(const char* operation) const {
+        const int i = current(operation);
+        const Security& s = folder->index.securities[size_t(i)];
+        if (recordsOpen && i == selected) {
+            if (records.empty())
+                return {s.firstDate, s.lastDate};
+            const DataSummary sum = summaryOf(records, s.layout().time);
+            return {sum.firstDate, sum.lastDate};
+        }
+        try {
+            const DataSummary sum = summarize(folder->dataPath(s), s.layout(), s.dataFileName());
+            if (sum.count > 0)
+                return {sum.firstDate, sum.lastDate};
+        } catch (const Failure&) {
+        }
+        return {s.firstDate, s.lastDate};
+    }
+    void dropSelection() {
+        selected = -1;
+        recordsOpen = false;
+        records.clear();
+        records.shrink_to_fit();
+        recordCursor = -1;
+    }
+};
+
+SecurityReader::SecurityReader() : d(std::make_unique<Impl>()) {}
+SecurityReader::~SecurityReader() = default;
+
+void SecurityReader::CloseFolder() {
+    d->dropSelection();
+    d->folder.reset();
+    d->cursor = -1;
+}
+
+void SecurityReader::CloseSecurity() { d->dropSelection(); }
+
+void SecurityReader::OpenFolder(const QString& folderPath) {
+    CloseFolder();
+    d->folder = Folder::open(folderPath.trimmed(), true);
+}
+
+void SecurityReader::FindSecurity(const QString& name) {
+    d->requireFolder("FindSecurity");
+    const int i = d->folder->findByName(name);
+    if (i < 0)
+        refuse(QStringLiteral("There is no security named \"%1\" in the folder.").arg(name.trimmed()), "FindSecurity");
+    d->dropSelection();
+    d->selected = i;
+}
+
+void SecurityReader::OpenSecurity(const QString& symbol) {
+    d->requireFolder("OpenSecurity");
+    if (symbol.trimmed().isEmpty())
+        refuse(QStringLiteral("No symbol was given."), "OpenSecurity");
+    const int i = d->folder->findBySymbol(symbol);
+    if (i < 0)
+        refuse(QStringLiteral("There is no security with the symbol \"%1\" in the folder.").arg(symbol.trimmed()),
+               "OpenSecurity");
+    const Security& s = d->folder->index.securities[size_t(i)];
+    std::vector<Record> records = readRecords(d->folder->dataPath(s), s.layout(), s.dataFileName());
+    d->dropSelection();
+    d->selected = i;
+    d->records = std::move(records);
+    d->recordsOpen = true;
+}
+
+void SecurityReader::NextRecord() {
+    if (!d->recordsOpen)
+        refuse(QStringLiteral("No security is open."), "NextRecord");
+    if (d->recordCursor + 1 >= int(d->records.size()))
+        refuse(QStringLiteral("There is no further record."), "NextRecord");
+    ++d->recordCursor;
+}
+
+void SecurityReader::NextSecurity() {
+    d->requireFolder("NextSecurity");
+    if (d->cursor + 1 >= int(d->folder->index.securities.size()))
+        refuse(QStringLiteral("There is no further security."), "NextSecurity");
+    d->dropSelection();
+    ++d->cursor;
+}
+
+qint32 SecurityReader::GetFirstDate() const { return d->dates("GetFirstDate").first; }
+qint32 SecurityReader::GetLastDate() const { return d->dates("GetLastDate").second; }
+
+qint32 SecurityReader::GetSecuritiesRemaining() const {
+    d->requireFolder("GetSecuritiesRemaining");
+    return qint32(d->folder->index.securities.size()) - (d->cursor + 1);
+}
+
+QString SecurityReader::GetFileName() const { return d->security("GetFileName").dataFileName(); }
+QString SecurityReader::GetName() const { return d->security("GetName").name; }
+QString SecurityReader::GetSymbol() const { return d->security("GetSymbol").symbol; }
+double SecurityReader::GetClose() const { return d->record("GetClose").close; }
+qint32 SecurityReader::GetDate() const { return d->record("GetDate").date; }
+double SecurityReader::GetHigh() const { return d->record("GetHigh").high; }
+double SecurityReader::GetLow() const { return d->record("GetLow").low; }
+
+qint32 SecurityReader::GetRecordCount() const {
+    const int i = d->current("GetRecordCount");
+    if (d->recordsOpen && i == d->selected)
+        return qint32(d->records.size());
+    const Security& s = d->folder->index.securities[size_t(i)];
+    return summarize(d->folder->dataPath(s), s.layout(), s.dataFileName()).count;
+}
+
+double SecurityReader::GetOpen() const { return d->record("GetOpen").open; }
+
+qint32 SecurityReader::GetRecordsRemaining() const {
+    if (!d->recordsOpen)
+        refuse(QStringLiteral("No security is open."), "GetRecordsRemaining");
+    return qint32(d->records.size()) - (d->recordCursor + 1);
+}
+
+double SecurityReader::GetVolume() const { return d->record("GetVolume").volume; }
+
+qint32 SecurityReader::GetPeriodicity() const { return periodicityCode(d->security("GetPeriodicity").periodicity); }
+
+void SecurityReader::SetRecordMode(qint32) {
+    // Records always come as they lie in the file; the store writes them oldest first.
+}

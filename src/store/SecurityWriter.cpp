@@ -1,0 +1,452 @@
+#include "store/SecurityWriter.h"
+
+#include "frame/Failure.h"
+#include "store/StoreFiles.h"
+#include "store/StoreFolder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <optional>
+
+using namespace metastock;
+
+namespace {
+
+[[noreturn]] void refuse(const QString& text, const char* operation) {
+    throw Failure(FailureNumber::Store, text, QStringLiteral("SecurityWriter::%1").arg(QLatin1String(operation)));
+}
+
+qint32 dateOf(const QString& text, const char* operation) {
+    bool ok = false;
+    const qint32 date = text.trimmed().toInt(&ok);
+    if (!ok || !isValidStoreDate(date))
+        refuse(QStringLiteral("\"%1\" is not a date of the form yyyymmdd.").arg(text.trimmed()), operation);
+    return date;
+}
+
+float valueOf(double value, const char* what, const char* operation) {
+    const float f = float(value);
+    unsigned char mbf[4];
+    if (!std::isfinite(value) || !std::isfinite(f) || !floatToMbf(f, mbf))
+        refuse(QStringLiteral("The %1 %2 cannot be stored.").arg(QLatin1String(what)).arg(value), operation);
+    return f;
+}
+
+QString checkedSymbol(const QString& symbol, const char* operation) {
+    const QString s = symbol.trimmed();
+    if (s.isEmpty())
+        refuse(QStringLiteral("A security needs a symbol."), operation);
+    if (s.size() > MaxSymbolLength)
+        refuse(QStringLiteral("The symbol \"%1\" is longer than %2 characters.").arg(s).arg(MaxSymbolLength), operation);
+    return s;
+}
+
+} // namespace
+
+struct SecurityWriter::Impl {
+    std::optional<Folder> folder;
+    bool indexDirty = false;  // dates of the index lag behind the records
+
+    // The selected security.
+    int selected = -1;
+    Layout layout;
+    DataSummary disk;                 // the data file as it is on disk
+    bool loaded = false;              // `records` holds the file's records
+    std::vector<Record> records;
+    std::map<qint32, std::optional<Record>> pending;  // date -> record to put, or none to remove
+    qint32 seedDate = 0;              // first date added since the security was selected
+
+    void requireFolder(const char* operation) const {
+        if (!folder)
+            refuse(QStringLiteral("No folder is open."), operation);
+    }
+    Security& security(const char* operation) {
+        requireFolder(operation);
+        if (selected < 0)
+            refuse(QStringLiteral("No security is selected."), operation);
+        return folder->index.securities[size_t(selected)];
+    }
+    QString dataPath() const { return folder->dataPath(folder->index.securities[size_t(selected)]); }
+
+    void select(int i) {
+        const Security& s = folder->index.securities[size_t(i)];
+        const Layout l = s.layout();
+        const DataSummary sum = summarize(folder->dataPath(s), l, s.dataFileName());
+        selected = i;
+        layout = l;
+        disk = sum;
+        loaded = false;
+        records.clear();
+        pending.clear();
+        seedDate = 0;
+    }
+    void deselect() {
+        selected = -1;
+        loaded = false;
+        records.clear();
+        records.shrink_to_fit();
+        pending.clear();
+        seedDate = 0;
+    }
+
+    void load() {
+        if (loaded)
+            return;
+        const Security& s = folder->index.securities[size_t(selected)];
+        records = readRecords(dataPath(), layout, s.dataFileName());
+        disk = summaryOf(records, layout.time);
+        loaded = true;
+    }
+
+    bool dateOnDisk(qint32 date) {
+        if (disk.count == 0)
+            return false;
+        if (disk.ordered && (date > disk.lastDate || date < disk.firstDate))
+            return false;
+        load();
+        if (disk.ordered && !layout.time)
+            return std::binary_search(records.begin(), records.end(), Record{date},
+                                      [](const Record& a, const Record& b) { return a.date < b.date; });
+        return std::any_of(records.begin(), records.end(), [&](const Record& r) { return r.date == date; });
+    }
+
+    bool dateExists(qint32 date) {
+        auto it = pending.find(date);
+        if (it != pending.end())
+            return it->second.has_value();
+        return dateOnDisk(date);
+    }
+
+    // Puts the pending records and removals on disk: appended when they all come after the last
+    // record of an ordered file, else the file is rewritten whole (oldest first, one record a date).
+    void flush() {
+        if (pending.empty() || selected < 0)
+            return;
+        const bool onlyAdds = std::all_of(pending.begin(), pending.end(), [](const auto& p) { return p.second.has_value(); });
+        if (onlyAdds && disk.ordered && (disk.count == 0 || pending.begin()->first > disk.lastDate)) {
+            append();
+        } else {
+            rewrite([&](std::vector<Record>& recs) {
+                bool changed = false;
+                for (const auto& [date, record] : pending) {
+                    const auto gone = std::remove_if(recs.begin(), recs.end(), [&](const Record& r) { return r.date == date; });
+                    changed = changed || gone != recs.end();
+                    recs.erase(gone, recs.end());
+                    if (record) {
+                        recs.push_back(*record);
+                        changed = true;
+                    }
+                }
+                return changed;
+            });
+        }
+        pending.clear();
+        noteDates();
+    }
+
+    void append() {
+        std::vector<Record> added;
+        added.reserve(pending.size());
+        for (const auto& p : pending)
+            added.push_back(*p.second);
+        const int count = disk.count + int(added.size());
+        if (count > MaxRecords)
+            refuse(QStringLiteral("A security holds at most %1 records.").arg(MaxRecords), "SaveQuotes");
+        const QString path = dataPath();
+        const qint64 length = layout.recordLength();
+        StoreFiles::writeParts(path, {{(disk.count + 1) * length, encodeRecords(added, layout)},
+                                      {2, dataHeader(count, layout).mid(2, 2)}});
+        if (disk.count == 0)
+            disk.firstDate = added.front().date;
+        disk.lastDate = added.back().date;
+        disk.count = count;
+        rememberSummary(path, layout, disk);
+        if (loaded)
+            records.insert(records.end(), added.begin(), added.end());
+    }
+
+    // Applies `edit` to the records, puts them in order with one record a date, and rewrites
+    // the file when anything changed. `edit` says whether it changed anything.
+    template <typename Edit>
+    void rewrite(Edit edit) {
+        load();
+        std::vector<Record> recs = records;
+        bool changed = !disk.ordered;
+        if (!disk.ordered)
+            normalise(recs);
+        changed = edit(recs) || changed;
+        if (!changed)
+            return;
+        normalise(recs);
+        if (int(recs.size()) > MaxRecords)
+            refuse(QStringLiteral("A security holds at most %1 records.").arg(MaxRecords), "SaveQuotes");
+        const QString path = dataPath();
+        StoreFiles::replaceFile(path, buildData(recs, layout));
+        records = std::move(recs);
+        disk = summaryOf(records, layout.time);
+        rememberSummary(path, layout, disk);
+    }
+
+    // Oldest first; of two records of one date (and time) the later in the list stays.
+    void normalise(std::vector<Record>& recs) const {
+        const bool intraday = layout.time;
+        auto key = [intraday](const Record& r) { return std::pair(r.date, intraday ? r.time : 0); };
+        std::stable_sort(recs.begin(), recs.end(), [&](const Record& a, const Record& b) { return key(a) < key(b); });
+        std::vector<Record> out;
+        out.reserve(recs.size());
+        for (const Record& r : recs) {
+            if (!out.empty() && key(out.back()) == key(r))
+                out.back() = r;
+            else
+                out.push_back(r);
+        }
+        recs = std::move(out);
+    }
+
+    // The index dates follow the records; a security without records keeps the dates it has, or
+    // takes the first date added to it (the seed of a new security).
+    void noteDates() {
+        Security& s = folder->index.securities[size_t(selected)];
+        qint32 first = s.firstDate, last = s.lastDate;
+        if (disk.count > 0) {
+            first = disk.firstDate;
+            last = disk.lastDate;
+        } else if (first == 0 && last == 0 && seedDate != 0) {
+            first = last = seedDate;
+        }
+        if (first != s.firstDate || last != s.lastDate) {
+            s.firstDate = first;
+            s.lastDate = last;
+            indexDirty = true;
+        }
+    }
+
+    // Ends the selection; the pending changes go to disk first.
+    void closeSecurity() {
+        if (selected < 0)
+            return;
+        try {
+            flush();
+            if (seedDate != 0 && disk.count == 0)
+                noteDates();
+        } catch (...) {
+            deselect();
+            throw;
+        }
+        deselect();
+    }
+
+    void closeFolder() {
+        if (!folder)
+            return;
+        try {
+            closeSecurity();
+            if (indexDirty)
+                folder->saveIndex();
+        } catch (...) {
+            folder.reset();
+            indexDirty = false;
+            throw;
+        }
+        folder.reset();
+        indexDirty = false;
+    }
+
+    Record recordOf(qint32 date, double open, double high, double low, double close, double volume,
+                    const char* operation) const {
+        Record r;
+        r.date = date;
+        r.open = valueOf(open, "open", operation);
+        r.high = valueOf(high, "high", operation);
+        r.low = valueOf(low, "low", operation);
+        r.close = valueOf(close, "close", operation);
+        r.volume = valueOf(volume, "volume", operation);
+        return r;
+    }
+};
+
+SecurityWriter::SecurityWriter() : d(std::make_unique<Impl>()) {}
+
+SecurityWriter::~SecurityWriter() {
+    try {
+        d->closeFolder();
+    } catch (...) {
+    }
+}
+
+void SecurityWriter::CreateSecurity(const QString& symbol, const QString& name, qint32 periodicity) {
+    d->requireFolder("CreateSecurity");
+    const QString sym = checkedSymbol(symbol, "CreateSecurity");
+    if (d->folder->findBySymbol(sym) >= 0)
+        refuse(QStringLiteral("The folder already holds a security with the symbol \"%1\".").arg(sym), "CreateSecurity");
+    const char letter = periodicityLetter(periodicity);
+    if (letter == 0)
+        refuse(QStringLiteral("%1 is not a periodicity.").arg(periodicity), "CreateSecurity");
+    d->closeSecurity();
+
+    Security s;
+    s.symbol = sym;
+    s.name = name.trimmed().isEmpty() ? sym : name.trimmed().left(MaxNameLength);
+    s.periodicity = letter;
+    s.fieldCount = 7;
+    s.fieldBits = letter == 'I' ? 0xBF : 0x7F;
+    const auto [number, extended] = d->folder->newFileNumber();
+    s.fileNumber = number;
+    s.extended = extended;
+    if (extended && d->folder->index.foreignXmaster)
+        refuse(QStringLiteral("The folder has a file XMASTER that is not an index file; "
+                              "no security past the 255th can be made there."),
+               "CreateSecurity");
+
+    const QString fileName = s.dataFileName();
+    const QString path = d->folder->filePath(fileName);
+    const Layout layout = s.layout();
+    StoreFiles::replaceFile(path, dataHeader(0, layout));
+    d->folder->noteFile(fileName);
+    rememberSummary(path, layout, DataSummary{});
+
+    auto& list = d->folder->index.securities;
+    // MASTER's securities come before XMASTER's in the store's order.
+    auto at = extended ? list.end() : std::find_if(list.begin(), list.end(), [](const Security& x) { return x.extended; });
+    const int position = int(at - list.begin());
+    list.insert(at, std::move(s));
+    try {
+        d->folder->saveIndex();
+    } catch (...) {
+        list.erase(list.begin() + position);
+        throw;
+    }
+    d->select(position);
+}
+
+void SecurityWriter::AddQuote(qint32 storeDate, qint32 mark, double open, double high, double low, double close,
+                              double volume, double /*extra*/) {
+    d->security("AddQuote");
+    if (!isValidStoreDate(storeDate))
+        refuse(QStringLiteral("%1 is not a date of the form yyyymmdd.").arg(storeDate), "AddQuote");
+    d->pending[storeDate] = d->recordOf(storeDate, open, high, low, close, volume, "AddQuote");
+    if (d->seedDate == 0)
+        d->seedDate = storeDate;
+    if (mark != 0)
+        d->flush();
+}
+
+void SecurityWriter::CloseFolder() { d->closeFolder(); }
+
+void SecurityWriter::OpenFolder(const QString& folderPath) {
+    d->closeFolder();
+    d->folder = Folder::open(folderPath.trimmed(), false);
+}
+
+void SecurityWriter::FindSecurity(const QString& name) {
+    d->requireFolder("FindSecurity");
+    const int i = d->folder->findByName(name);
+    if (i < 0)
+        refuse(QStringLiteral("There is no security named \"%1\" in the folder.").arg(name.trimmed()), "FindSecurity");
+    d->closeSecurity();
+    d->select(i);
+}
+
+void SecurityWriter::OpenSecurity(const QString& symbol) {
+    d->requireFolder("OpenSecurity");
+    if (symbol.trimmed().isEmpty())
+        refuse(QStringLiteral("No symbol was given."), "OpenSecurity");
+    const int i = d->folder->findBySymbol(symbol);
+    if (i < 0)
+        refuse(QStringLiteral("There is no security with the symbol \"%1\" in the folder.").arg(symbol.trimmed()),
+               "OpenSecurity");
+    d->closeSecurity();
+    d->select(i);
+}
+
+void SecurityWriter::DeleteSecurity(const QString& symbol) {
+    d->requireFolder("DeleteSecurity");
+    const int i = d->folder->findBySymbol(symbol);
+    if (i < 0 || symbol.trimmed().isEmpty())
+        refuse(QStringLiteral("There is no security with the symbol \"%1\" in the folder.").arg(symbol.trimmed()),
+               "DeleteSecurity");
+    d->closeSecurity();
+    auto& list = d->folder->index.securities;
+    const Security gone = list[size_t(i)];
+    list.erase(list.begin() + i);
+    try {
+        d->folder->saveIndex();
+    } catch (...) {
+        list.insert(list.begin() + i, gone);
+        throw;
+    }
+    const QString path = d->folder->dataPath(gone);
+    forgetSummary(path);
+    StoreFiles::removeFile(path);
+    d->folder->forgetFile(gone.dataFileName());
+}
+
+void SecurityWriter::DeleteQuote(const QString& storeDateText) {
+    d->security("DeleteQuote");
+    d->pending[dateOf(storeDateText, "DeleteQuote")] = std::nullopt;
+}
+
+void SecurityWriter::DeleteQuotes(const QString& firstDateText, const QString& lastDateText) {
+    d->security("DeleteQuotes");
+    const qint32 first = dateOf(firstDateText, "DeleteQuotes");
+    const qint32 last = dateOf(lastDateText, "DeleteQuotes");
+    d->flush();
+    d->rewrite([&](std::vector<Record>& recs) {
+        const auto gone = std::remove_if(recs.begin(), recs.end(), [&](const Record& r) { return r.date >= first && r.date <= last; });
+        const bool changed = gone != recs.end();
+        recs.erase(gone, recs.end());
+        return changed;
+    });
+    d->noteDates();
+}
+
+void SecurityWriter::ChangeQuote(const QString& storeDateText, const QString& /*markText*/, qint32 /*mark*/,
+                                 double open, double high, double low, double close, double volume, double /*extra*/) {
+    d->security("ChangeQuote");
+    const qint32 date = dateOf(storeDateText, "ChangeQuote");
+    const Record r = d->recordOf(date, open, high, low, close, volume, "ChangeQuote");
+    if (!d->dateExists(date))
+        refuse(QStringLiteral("The security has no record of %1.").arg(date), "ChangeQuote");
+    d->pending[date] = r;
+    d->flush();
+}
+
+void SecurityWriter::ChangeSecurity(const QString& oldSymbol, const QString& name, const QString& symbol) {
+    d->requireFolder("ChangeSecurity");
+    const int i = d->folder->findBySymbol(oldSymbol);
+    if (i < 0 || oldSymbol.trimmed().isEmpty())
+        refuse(QStringLiteral("There is no security with the symbol \"%1\" in the folder.").arg(oldSymbol.trimmed()),
+               "ChangeSecurity");
+    const QString sym = checkedSymbol(symbol, "ChangeSecurity");
+    const int other = d->folder->findBySymbol(sym);
+    if (other >= 0 && other != i)
+        refuse(QStringLiteral("The folder already holds a security with the symbol \"%1\".").arg(sym), "ChangeSecurity");
+    Security& s = d->folder->index.securities[size_t(i)];
+    const Security was = s;
+    s.symbol = sym;
+    s.name = name.trimmed().isEmpty() ? sym : name.trimmed().left(MaxNameLength);
+    try {
+        d->folder->saveIndex();
+    } catch (...) {
+        d->folder->index.securities[size_t(i)] = was;
+        throw;
+    }
+}
+
+bool SecurityWriter::SymbolExists(const QString& symbol) {
+    d->requireFolder("SymbolExists");
+    return !symbol.trimmed().isEmpty() && d->folder->findBySymbol(symbol) >= 0;
+}
+
+void SecurityWriter::CloseSecurity() { d->closeSecurity(); }
+
+bool SecurityWriter::DateExists(const QString& storeDateText) {
+    d->security("DateExists");
+    return d->dateExists(dateOf(storeDateText, "DateExists"));
+}
+
+void SecurityWriter::SaveQuotes() {
+    d->security("SaveQuotes");
+    d->flush();
+}

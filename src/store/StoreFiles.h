@@ -1,0 +1,52 @@
+#pragma once
+// Every byte the store puts on disk goes through here. Files are grown or patched in place with
+// writeParts(), replaced whole through a temporary file and an atomic rename with replaceFile(),
+// and removed with removeFile(). Each of these steps counts as one write, so that tests can make
+// the k-th write fail, or stop the store dead there as a crash would.
+
+#include <QByteArray>
+#include <QString>
+
+#include <utility>
+#include <vector>
+
+namespace StoreFiles {
+
+// Size and modification time of a file, to tell whether it changed since it was last seen.
+struct Stamp {
+    qint64 size = -1;  // -1: no such file
+    qint64 modified = 0;
+    bool exists() const { return size >= 0; }
+    bool operator==(const Stamp&) const = default;
+};
+Stamp stamp(const QString& path);
+
+// Whole file; raises Failure (FileNotFound) when it cannot be read.
+QByteArray readAll(const QString& path);
+// Up to `length` bytes from `offset`.
+QByteArray readPart(const QString& path, qint64 offset, qint64 length);
+
+// Writes each part at its offset into an existing file; each part is one write.
+void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteArray>>& parts);
+// Replaces (or makes) a file through a temporary file beside it and a rename: two writes.
+void replaceFile(const QString& path, const QByteArray& bytes);
+// Removes a file; one write. A missing file is no failure.
+void removeFile(const QString& path);
+
+// The name of the temporary file that replaceFile() uses for `path`.
+QString temporaryName(const QString& path);
+
+// ---- The seam for tests ----
+enum class Fault {
+    Fail,   // the k-th write fails with a Failure; later writes work
+    Crash,  // the k-th write does not happen and neither does any later one
+    Torn,   // the k-th write puts down half its bytes, then as Crash
+};
+// Arms the seam: the k-th write from now (1-based) meets the fault.
+void armFault(int k, Fault fault);
+// Disarms the seam and restarts the count.
+void disarmFault();
+// Writes done (or tried) since the seam was last armed or disarmed.
+int writeCount();
+
+} // namespace StoreFiles

@@ -1,0 +1,245 @@
+#include "store/StoreFolder.h"
+
+#include "frame/Failure.h"
+#include "store/StoreFiles.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSet>
+
+namespace metastock {
+
+namespace {
+
+struct CachedSummary {
+    StoreFiles::Stamp stamp;
+    int recordLength = 0;
+    bool intraday = false;
+    DataSummary summary;
+};
+QHash<QString, CachedSummary>& cache() {
+    static QHash<QString, CachedSummary> c;
+    return c;
+}
+
+QString native(const QString& path) { return QDir::toNativeSeparators(path); }
+
+} // namespace
+
+Folder Folder::open(const QString& path, bool requireStore) {
+    const QFileInfo info(path);
+    if (path.trimmed().isEmpty() || !info.isDir())
+        throw Failure(FailureNumber::PathNotFound,
+                      QStringLiteral("The folder %1 does not exist.").arg(native(path)),
+                      QStringLiteral("Folder::open"));
+    Folder f;
+    f.path = info.absoluteFilePath();
+    const QStringList entries = QDir(f.path).entryList(QDir::Files | QDir::Hidden | QDir::System);
+    for (const QString& name : entries)
+        f.names_.insert(name.toUpper(), name);
+
+    const bool hasMaster = f.hasFile(QStringLiteral("MASTER"));
+    if (!hasMaster) {
+        if (requireStore)
+            throw Failure(FailureNumber::Store,
+                          QStringLiteral("The folder %1 holds no MetaStock Files: it has no MASTER file.")
+                              .arg(native(f.path)),
+                          QStringLiteral("Folder::open"));
+        for (const char* other : {"EMASTER", "XMASTER"})
+            if (f.hasFile(QString::fromLatin1(other)))
+                throw Failure(FailureNumber::Store,
+                              QStringLiteral("The folder %1 has an %2 file but no MASTER file; it is left as it is.")
+                                  .arg(native(f.path), QString::fromLatin1(other)),
+                              QStringLiteral("Folder::open"));
+        return f;
+    }
+    try {
+        const QByteArray master = StoreFiles::readAll(f.filePath(QStringLiteral("MASTER")));
+        QByteArray emaster, xmaster;
+        const bool hasE = f.hasFile(QStringLiteral("EMASTER"));
+        const bool hasX = f.hasFile(QStringLiteral("XMASTER"));
+        if (hasE)
+            emaster = StoreFiles::readAll(f.filePath(QStringLiteral("EMASTER")));
+        if (hasX)
+            xmaster = StoreFiles::readAll(f.filePath(QStringLiteral("XMASTER")));
+        f.index = parseIndex(master, hasE ? &emaster : nullptr, hasX ? &xmaster : nullptr);
+    } catch (const Failure& failure) {
+        throw Failure(failure.Number,
+                      QStringLiteral("%1 (folder %2)").arg(failure.Description, native(f.path)), failure.Source);
+    }
+    return f;
+}
+
+QString Folder::filePath(const QString& name) const {
+    return QDir(path).filePath(names_.value(name.toUpper(), name));
+}
+
+void Folder::noteFile(const QString& name) {
+    if (!names_.contains(name.toUpper()))
+        names_.insert(name.toUpper(), name);
+}
+
+void Folder::forgetFile(const QString& name) { names_.remove(name.toUpper()); }
+
+void Folder::saveIndex() {
+    const bool anyExtended = index.extendedCount() > 0;
+    if (anyExtended && index.foreignXmaster)
+        throw Failure(FailureNumber::Store,
+                      QStringLiteral("The folder %1 has a file XMASTER that is not an index file; "
+                                     "no security past the 255th can be written there.")
+                          .arg(native(path)),
+                      QStringLiteral("Folder::saveIndex"));
+    const bool writeEmaster = index.hasEmaster || !index.hasMaster;
+    const bool writeXmaster = anyExtended || index.hasXmaster;
+
+    // Every index file is built before any is written, so that a failure to build leaves all.
+    const QByteArray master = buildMaster(index);
+    const QByteArray emaster = writeEmaster ? buildEmaster(index) : QByteArray();
+    const QByteArray xmaster = writeXmaster ? buildXmaster(index) : QByteArray();
+
+    if (writeEmaster) {
+        const QString name = names_.value(QStringLiteral("EMASTER"), QStringLiteral("EMASTER"));
+        StoreFiles::replaceFile(QDir(path).filePath(name), emaster);
+        noteFile(name);
+        index.hasEmaster = true;
+        index.emasterHeader = emaster.left(192);
+    }
+    {
+        const QString name = names_.value(QStringLiteral("MASTER"), QStringLiteral("MASTER"));
+        StoreFiles::replaceFile(QDir(path).filePath(name), master);
+        noteFile(name);
+        index.hasMaster = true;
+        index.masterHeader = master.left(53);
+    }
+    if (writeXmaster) {
+        const QString name = names_.value(QStringLiteral("XMASTER"), QStringLiteral("XMASTER"));
+        StoreFiles::replaceFile(QDir(path).filePath(name), xmaster);
+        noteFile(name);
+        index.hasXmaster = true;
+        index.xmasterHeader = xmaster.left(150);
+    }
+
+    // What is on disk now is what later rewrites start from.
+    int m = 0, x = 0;
+    for (Security& s : index.securities) {
+        if (s.extended) {
+            s.xmasterRaw = xmaster.mid(150 * ++x, 150);
+        } else {
+            ++m;
+            s.masterRaw = master.mid(53 * m, 53);
+            if (writeEmaster)
+                s.emasterRaw = emaster.mid(192 * m, 192);
+        }
+    }
+    for (const Security& s : index.securities) {
+        if (!s.extended)
+            index.highestMasterNumber = std::max(index.highestMasterNumber, s.fileNumber);
+        else
+            index.nextExtendedNumber = std::max(index.nextExtendedNumber, s.fileNumber + 1);
+    }
+}
+
+int Folder::findBySymbol(const QString& symbol) const {
+    const QString wanted = symbol.trimmed();
+    const auto& list = index.securities;
+    for (size_t i = 0; i < list.size(); ++i)
+        if (list[i].symbol == wanted)
+            return int(i);
+    for (size_t i = 0; i < list.size(); ++i)
+        if (list[i].symbol.compare(wanted, Qt::CaseInsensitive) == 0)
+            return int(i);
+    return -1;
+}
+
+int Folder::findByName(const QString& name) const {
+    const QString wanted = name.trimmed();
+    const auto& list = index.securities;
+    for (size_t i = 0; i < list.size(); ++i)
+        if (list[i].name == wanted)
+            return int(i);
+    for (size_t i = 0; i < list.size(); ++i)
+        if (list[i].name.compare(wanted, Qt::CaseInsensitive) == 0)
+            return int(i);
+    return -1;
+}
+
+std::pair<int, bool> Folder::newFileNumber() const {
+    QSet<int> used;
+    for (const Security& s : index.securities)
+        used.insert(s.fileNumber);
+    auto freeNumber = [&](int n, bool extended) {
+        const QString name = QStringLiteral("F%1.%2").arg(n).arg(extended ? QStringLiteral("MWD") : QStringLiteral("DAT"));
+        return !used.contains(n) && !hasFile(name);
+    };
+    if (index.masterCount() < MaxMasterSecurities) {
+        const int next = index.highestMasterNumber + 1;
+        if (next <= MaxMasterSecurities && freeNumber(next, false))
+            return {next, false};
+        for (int n = 1; n <= MaxMasterSecurities; ++n)
+            if (freeNumber(n, false))
+                return {n, false};
+    }
+    int n = std::max(index.nextExtendedNumber, MaxMasterSecurities + 1);
+    for (int u : used)
+        n = std::max(n, u + 1);
+    while (n <= 65535 && !freeNumber(n, true))
+        ++n;
+    if (n > 65535)
+        throw Failure(FailureNumber::Store,
+                      QStringLiteral("The folder %1 cannot take another security.").arg(native(path)),
+                      QStringLiteral("Folder::newFileNumber"));
+    return {n, true};
+}
+
+// ---- Data files --------------------------------------------------------------------------------
+
+DataSummary summaryOf(const std::vector<Record>& records, bool intraday) {
+    DataSummary s;
+    s.count = int(records.size());
+    for (size_t i = 0; i < records.size(); ++i) {
+        const Record& r = records[i];
+        if (i == 0) {
+            s.firstDate = s.lastDate = r.date;
+        } else {
+            s.firstDate = std::min(s.firstDate, r.date);
+            s.lastDate = std::max(s.lastDate, r.date);
+            const Record& p = records[i - 1];
+            const bool after = intraday ? (r.date > p.date || (r.date == p.date && r.time > p.time)) : r.date > p.date;
+            if (!after)
+                s.ordered = false;
+        }
+    }
+    return s;
+}
+
+std::vector<Record> readRecords(const QString& path, const Layout& layout, const QString& fileName) {
+    if (!QFileInfo(path).isFile())
+        throw Failure(FailureNumber::FileNotFound,
+                      QStringLiteral("The data file %1 is missing.").arg(native(path)),
+                      QStringLiteral("readRecords"));
+    const QByteArray bytes = StoreFiles::readAll(path);
+    return parseData(bytes, layout, fileName);
+}
+
+DataSummary summarize(const QString& path, const Layout& layout, const QString& fileName) {
+    const StoreFiles::Stamp now = StoreFiles::stamp(path);
+    if (!now.exists())
+        throw Failure(FailureNumber::FileNotFound,
+                      QStringLiteral("The data file %1 is missing.").arg(native(path)),
+                      QStringLiteral("summarize"));
+    auto it = cache().constFind(path);
+    if (it != cache().constEnd() && it->stamp == now && it->recordLength == layout.recordLength() &&
+        it->intraday == layout.time)
+        return it->summary;
+    const DataSummary s = summaryOf(readRecords(path, layout, fileName), layout.time);
+    cache().insert(path, CachedSummary{now, layout.recordLength(), layout.time, s});
+    return s;
+}
+
+void rememberSummary(const QString& path, const Layout& layout, const DataSummary& summary) {
+    cache().insert(path, CachedSummary{StoreFiles::stamp(path), layout.recordLength(), layout.time, summary});
+}
+
+void forgetSummary(const QString& path) { cache().remove(path); }
+
+} // namespace metastock

@@ -1,0 +1,65 @@
+#pragma once
+// An open data folder as the reader and the writer share it: the index in memory, the folder's
+// file names (matched without regard to case), and what is known of each data file.
+
+#include "store/MetaStockFormat.h"
+
+#include <QHash>
+#include <QString>
+
+#include <vector>
+
+namespace metastock {
+
+// What the records of a data file come to, without keeping them.
+struct DataSummary {
+    int count = 0;
+    qint32 firstDate = 0;   // lowest date, 0 without records
+    qint32 lastDate = 0;    // highest date
+    bool ordered = true;    // oldest first, one record a date (a date and time for intraday)
+};
+
+class Folder {
+public:
+    // Opens the folder at `path` and reads its index. Without a MASTER the folder fails when
+    // `requireStore`, else it opens as an empty store. Raises Failure.
+    static Folder open(const QString& path, bool requireStore);
+
+    QString path;
+    Index index;
+
+    // The path of a file of the folder by its name in any case; new files get `name` as given.
+    QString filePath(const QString& name) const;
+    QString dataPath(const Security& security) const { return filePath(security.dataFileName()); }
+    bool hasFile(const QString& name) const { return names_.contains(name.toUpper()); }
+    void noteFile(const QString& name);
+    void forgetFile(const QString& name);
+
+    // Writes the index files: EMASTER before MASTER (MASTER decides), XMASTER when the folder
+    // has securities past 255 or an XMASTER already.
+    void saveIndex();
+
+    // -1 when none. Exact match first, then one without regard to case.
+    int findBySymbol(const QString& symbol) const;
+    int findByName(const QString& name) const;
+
+    // A file number for a new security, and whether it goes to XMASTER. Raises Failure when the
+    // folder cannot take one more.
+    std::pair<int, bool> newFileNumber() const;
+
+private:
+    QHash<QString, QString> names_;  // upper-case name -> name on disk
+};
+
+// The summary of a data file, from a cache that is checked against the file's size and time.
+// Raises Failure when the file is missing or cannot be parsed.
+DataSummary summarize(const QString& path, const Layout& layout, const QString& fileName);
+// Records the summary of a file the store has just written.
+void rememberSummary(const QString& path, const Layout& layout, const DataSummary& summary);
+void forgetSummary(const QString& path);
+DataSummary summaryOf(const std::vector<Record>& records, bool intraday);
+
+// All records of a data file in file order. Raises Failure.
+std::vector<Record> readRecords(const QString& path, const Layout& layout, const QString& fileName);
+
+} // namespace metastock

@@ -1,0 +1,61 @@
+#include "StoreHelpers.h"
+
+#include "frame/Regional.h"
+
+std::vector<Listed> listFolder(const QString& folder) {
+    SecurityReader reader;
+    reader.OpenFolder(folder);
+    std::vector<Listed> out;
+    while (reader.GetSecuritiesRemaining() > 0) {
+        reader.NextSecurity();
+        out.push_back({reader.GetSymbol(), reader.GetName(), reader.GetFileName(), reader.GetFirstDate(),
+                       reader.GetLastDate()});
+    }
+    reader.CloseFolder();
+    return out;
+}
+
+std::vector<Bar> readBars(const QString& folder, const QString& symbol) {
+    SecurityReader reader;
+    reader.OpenFolder(folder);
+    reader.OpenSecurity(symbol);
+    std::vector<Bar> out;
+    while (reader.GetRecordsRemaining() > 0) {
+        reader.NextRecord();
+        out.push_back({reader.GetDate(), reader.GetOpen(), reader.GetHigh(), reader.GetLow(), reader.GetClose(),
+                       reader.GetVolume()});
+    }
+    reader.CloseSecurity();
+    reader.CloseFolder();
+    return out;
+}
+
+std::vector<qint32> readDates(const QString& folder, const QString& symbol) {
+    std::vector<qint32> out;
+    for (const Bar& b : readBars(folder, symbol))
+        out.push_back(b.date);
+    return out;
+}
+
+void addBars(SecurityWriter& writer, const std::vector<Bar>& bars) {
+    for (const Bar& b : bars)
+        writer.AddQuote(b.date, 0, b.open, b.high, b.low, b.close, b.volume, 0.0);
+    writer.SaveQuotes();
+}
+
+Bar barOf(qint32 date, double base) {
+    // Quarters and whole numbers only, so that the values are exact in a float.
+    const double d = (date % 100) * 0.25 + ((date / 100) % 100) * 8;
+    return {date, base + d, base + d + 2, base + d - 1, base + d + 1, 1000.0 + (date % 1000)};
+}
+
+std::vector<qint32> tradingDays(qint32 from, int count) {
+    std::vector<qint32> out;
+    QDate day = Regional::fromStoreDate(from);
+    while (int(out.size()) < count) {
+        if (day.dayOfWeek() <= 5)
+            out.push_back(Regional::toStoreDate(day));
+        day = day.addDays(1);
+    }
+    return out;
+}

@@ -1,0 +1,34 @@
+#pragma once
+// Reading a folder back through the store's own API, for the tests' assertions.
+
+#include "store/SecurityReader.h"
+#include "store/SecurityWriter.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+struct Bar {
+    qint32 date = 0;
+    double open = 0, high = 0, low = 0, close = 0, volume = 0;
+    bool operator==(const Bar&) const = default;
+};
+
+struct Listed {
+    QString symbol, name, file;
+    qint32 first = 0, last = 0;
+};
+
+// Every security of the folder in the store's order, as a list screen reads them.
+std::vector<Listed> listFolder(const QString& folder);
+// Every record of a security, as a sheet reads them.
+std::vector<Bar> readBars(const QString& folder, const QString& symbol);
+std::vector<qint32> readDates(const QString& folder, const QString& symbol);
+
+// Adds records with mark 0 and saves them.
+void addBars(SecurityWriter& writer, const std::vector<Bar>& bars);
+// A bar whose values derive from its date, so that any record can be told from any other.
+Bar barOf(qint32 date, double base = 10.0);
+// Weekdays from `from` on, as store dates.
+std::vector<qint32> tradingDays(qint32 from, int count);

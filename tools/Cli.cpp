@@ -1,0 +1,232 @@
+#include "Cli.h"
+
+#include "frame/Failure.h"
+#include "store/MetaStockFormat.h"
+#include "store/SecurityReader.h"
+#include "store/SecurityWriter.h"
+#include "store/StoreCheck.h"
+
+#include <QFile>
+
+#include <charconv>
+#include <vector>
+
+namespace {
+
+const QString Header = QStringLiteral("Date,Open,High,Low,Close,Volume");
+
+struct Usage {
+    QString text;
+};
+
+QString csvField(const QString& text) {
+    if (!text.contains(QLatin1Char(',')) && !text.contains(QLatin1Char('"')))
+        return text;
+    QString quoted = text;
+    quoted.replace(QLatin1Char('"'), QStringLiteral("\"\""));
+    return QLatin1Char('"') + quoted + QLatin1Char('"');
+}
+
+QString fileStem(const QString& fileName) {
+    const int dot = fileName.indexOf(QLatin1Char('.'));
+    return dot < 0 ? fileName : fileName.left(dot);
+}
+
+qint32 dateArgument(const QString& text) {
+    bool ok = false;
+    const qint32 date = text.toInt(&ok);
+    if (!ok || text.size() != 8 || !metastock::isValidStoreDate(date))
+        throw Usage{QStringLiteral("\"%1\" is not a date of the form YYYYMMDD").arg(text)};
+    return date;
+}
+
+int list(const QString& folder, QTextStream& out) {
+    SecurityReader reader;
+    reader.OpenFolder(folder);
+    out << "Symbol,Name,File,FirstDate,LastDate,Periodicity,Records\n";
+    while (reader.GetSecuritiesRemaining() > 0) {
+        reader.NextSecurity();
+        const char letter = metastock::periodicityLetter(reader.GetPeriodicity());
+        qint32 count = 0;
+        try {
+            count = reader.GetRecordCount();
+        } catch (const Failure&) {
+            count = 0;  // a broken data file: `check` tells what is wrong with it
+        }
+        out << csvField(reader.GetSymbol()) << ',' << csvField(reader.GetName()) << ','
+            << fileStem(reader.GetFileName()) << ',' << reader.GetFirstDate() << ',' << reader.GetLastDate() << ','
+            << (letter ? QString(QLatin1Char(letter)) : QStringLiteral("?")) << ',' << count << '\n';
+    }
+    reader.CloseFolder();
+    return 0;
+}
+
+int dump(const QString& folder, const QString& symbol, QTextStream& out) {
+    SecurityReader reader;
+    reader.OpenFolder(folder);
+    reader.OpenSecurity(symbol);
+    out << Header << '\n';
+    while (reader.GetRecordsRemaining() > 0) {
+        reader.NextRecord();
+        out << reader.GetDate() << ',' << shortestFloatText(float(reader.GetOpen())) << ','
+            << shortestFloatText(float(reader.GetHigh())) << ',' << shortestFloatText(float(reader.GetLow())) << ','
+            << shortestFloatText(float(reader.GetClose())) << ',' << shortestFloatText(float(reader.GetVolume()))
+            << '\n';
+    }
+    reader.CloseSecurity();
+    reader.CloseFolder();
+    return 0;
+}
+
+int create(const QString& folder, qint32 from, const QStringList& symbols) {
+    SecurityWriter writer;
+    writer.OpenFolder(folder);
+    const QString fromText = QString::number(from);
+    for (const QString& raw : symbols) {
+        const QString symbol = raw.trimmed();
+        if (writer.SymbolExists(symbol))
+            writer.DeleteSecurity(symbol);
+        writer.CreateSecurity(symbol, symbol, 1);
+        writer.AddQuote(from, 0, 0, 0, 0, 0, 0, 0);
+        writer.DeleteQuote(fromText);
+        writer.CloseSecurity();
+    }
+    writer.CloseFolder();
+    return 0;
+}
+
+struct Row {
+    qint32 date;
+    double values[5];
+};
+
+int import(const QString& folder, const QString& symbol, const QString& fileName, QTextStream& err) {
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        err << "The file " << fileName << " cannot be opened: " << file.errorString() << '\n';
+        return 1;
+    }
+    std::vector<Row> rows;
+    int lineNumber = 0;
+    while (!file.atEnd()) {
+        const QString line = QString::fromUtf8(file.readLine()).trimmed();
+        ++lineNumber;
+        if (line.isEmpty())
+            continue;
+        if (lineNumber == 1) {
+            if (QString(line).remove(QLatin1Char(' ')).compare(Header, Qt::CaseInsensitive) != 0) {
+                err << fileName << ": the first line must be " << Header << '\n';
+                return 1;
+            }
+            continue;
+        }
+        const QStringList fields = line.split(QLatin1Char(','));
+        bool ok = fields.size() == 6;
+        Row row{};
+        if (ok) {
+            row.date = fields[0].trimmed().toInt(&ok);
+            ok = ok && metastock::isValidStoreDate(row.date);
+        }
+        for (int i = 0; ok && i < 5; ++i)
+            row.values[i] = fields[i + 1].trimmed().toDouble(&ok);
+        if (!ok) {
+            err << fileName << ", line " << lineNumber << ": not a record of the form " << Header << '\n';
+            return 1;
+        }
+        rows.push_back(row);
+    }
+    SecurityWriter writer;
+    writer.OpenFolder(folder);
+    writer.OpenSecurity(symbol);
+    for (const Row& r : rows)
+        writer.AddQuote(r.date, 0, r.values[0], r.values[1], r.values[2], r.values[3], r.values[4], 0);
+    writer.SaveQuotes();
+    writer.CloseSecurity();
+    writer.CloseFolder();
+    return 0;
+}
+
+int check(const QString& folder, QTextStream& out) {
+    const auto findings = StoreCheck::checkFolder(folder);
+    int problems = 0;
+    for (const auto& f : findings) {
+        out << (f.problem ? "problem: " : "note: ") << f.text << '\n';
+        problems += f.problem ? 1 : 0;
+    }
+    out << (problems == 0 ? QStringLiteral("No inconsistency found.")
+                          : QStringLiteral("%1 inconsistencies found.").arg(problems))
+        << '\n';
+    return problems == 0 ? 0 : 1;
+}
+
+} // namespace
+
+QString shortestFloatText(float value) {
+    char buffer[64];
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    return QString::fromLatin1(buffer, int(result.ptr - buffer));
+}
+
+QString cliUsage() {
+    return QStringLiteral(
+        "Usage: brindlemark-cli COMMAND ARGUMENTS\n"
+        "\n"
+        "Commands:\n"
+        "  list FOLDER                             the securities of a data folder, in the store's order:\n"
+        "                                          Symbol,Name,File,FirstDate,LastDate,Periodicity,Records\n"
+        "  dump FOLDER SYMBOL                      the records of a security, oldest first:\n"
+        "                                          Date,Open,High,Low,Close,Volume\n"
+        "  create FOLDER --from YYYYMMDD SYMBOL... new empty securities whose data starts at that date\n"
+        "                                          (an existing security of the symbol is replaced)\n"
+        "  import FOLDER SYMBOL FILE               adds the records of a CSV file with the header of dump;\n"
+        "                                          a date the security holds is replaced\n"
+        "  check FOLDER                            reports every inconsistency of the folder\n"
+        "  --help                                  this text\n"
+        "\n"
+        "Exit status: 0 done, 1 failed or inconsistencies found, 2 bad usage.\n");
+}
+
+int runCli(const QStringList& arguments, QTextStream& out, QTextStream& err) {
+    try {
+        if (arguments.isEmpty())
+            throw Usage{QStringLiteral("no command given")};
+        const QString command = arguments.first();
+        const QStringList rest = arguments.mid(1);
+        if (command == QLatin1String("--help") || command == QLatin1String("-h") || command == QLatin1String("help")) {
+            out << cliUsage();
+            return 0;
+        }
+        if (command == QLatin1String("list")) {
+            if (rest.size() != 1)
+                throw Usage{QStringLiteral("list takes one folder")};
+            return list(rest[0], out);
+        }
+        if (command == QLatin1String("dump")) {
+            if (rest.size() != 2)
+                throw Usage{QStringLiteral("dump takes a folder and a symbol")};
+            return dump(rest[0], rest[1], out);
+        }
+        if (command == QLatin1String("create")) {
+            if (rest.size() < 4 || rest[1] != QLatin1String("--from"))
+                throw Usage{QStringLiteral("create takes a folder, --from YYYYMMDD and one or more symbols")};
+            return create(rest[0], dateArgument(rest[2]), rest.mid(3));
+        }
+        if (command == QLatin1String("import")) {
+            if (rest.size() != 3)
+                throw Usage{QStringLiteral("import takes a folder, a symbol and a file")};
+            return import(rest[0], rest[1], rest[2], err);
+        }
+        if (command == QLatin1String("check")) {
+            if (rest.size() != 1)
+                throw Usage{QStringLiteral("check takes one folder")};
+            return check(rest[0], out);
+        }
+        throw Usage{QStringLiteral("unknown command \"%1\"").arg(command)};
+    } catch (const Usage& usage) {
+        err << "brindlemark-cli: " << usage.text << '\n' << "Try 'brindlemark-cli --help'.\n";
+        return 2;
+    } catch (const Failure& failure) {
+        err << "brindlemark-cli: " << failure.Description << '\n';
+        return 1;
+    }
+}
