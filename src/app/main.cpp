@@ -1,6 +1,26 @@
+// Brindlemark v6: the main window is the start object; nothing runs before it.
+#include "frame/Platform.h"
+#include "frame/main/MDIMain.h"
+#include "frame/ui/ProgramIcon.h"
+#include "frame/ui/QtPlatform.h"
+
 #include <QApplication>
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
-    return 0;
+    QApplication::setOrganizationName(QStringLiteral("Brindlemark"));
+    QApplication::setApplicationName(ProgramTitle);
+    QApplication::setWindowIcon(ProgramIcon());
+
+    QtPlatform services;
+    setPlatform(&services);
+
+    int result = 0;
+    {
+        MDIMain frame;
+        frame.show();
+        result = QApplication::exec();
+    }
+    setPlatform(nullptr);
+    return result;
 }

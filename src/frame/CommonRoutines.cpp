@@ -30,17 +30,18 @@ QString DateToText(qint32 storeDate) {
     if (storeDate == 0)
         return QStringLiteral("N/A");
 
-    // Both divisions are floating and round to the nearest whole number.
+    // Both divisions are floating and round to the nearest whole number (halves to even), which
+    // for a valid date is the same as dropping the last two digits.
     const qint64 day = storeDate % 100;
-    const qint64 rest = std::llround(storeDate / 100.0);
+    const auto rest = static_cast<qint64>(std::nearbyint(storeDate / 100.0));
     const qint64 month = rest % 100;
-    const qint64 year = std::llround(rest / 100.0);
+    const auto year = static_cast<qint64>(std::nearbyint(static_cast<double>(rest) / 100.0));
 
     const QString sep = GetDateSeparator();
     const QString pattern = GetShortDatePattern();
-    if (sep.isEmpty() || pattern.isEmpty())
-        return {};
 
+    // The fields go in the order in which the pattern has them round its separators; the pattern
+    // itself then decides about leading zeros, month names and two-digit years.
     QString text;
     auto field = [&](qsizetype pos) {   // pos counts from 1
         if (pos < 1 || pos > pattern.size())
@@ -54,22 +55,28 @@ QString DateToText(qint32 storeDate) {
             text += QString::number(year) + sep;
     };
 
-    qsizetype pos = pattern.indexOf(sep) + 1;
-    field(pos - 1);
-    for (;;) {
-        const qsizetype next = pattern.indexOf(sep, pos);   // searching from pos + 1 (1-based)
-        if (next < 0)
-            break;
-        pos = next + 1;
+    if (!sep.isEmpty()) {
+        qsizetype pos = pattern.indexOf(sep) + 1;
         field(pos - 1);
-        field(pos + 1);
+        while (pos > 0) {
+            const qsizetype next = pattern.indexOf(sep, pos);   // searching from pos + 1 (1-based)
+            if (next < 0)
+                break;
+            pos = next + 1;
+            field(pos - 1);
+            field(pos + 1);
+        }
+        text.chop(1);
     }
-    text.chop(1);
 
-    const auto date = Regional::readDate(text);
-    if (!date)
-        return text;
-    return Regional::dateText(*date);
+    if (const auto date = Regional::readDate(text))
+        return Regional::dateText(*date);
+    // A pattern whose separators do not stand between all three fields ("d. M. yyyy", a pattern
+    // without any separator) leaves the fields incomplete: the date is written with the pattern
+    // straight away.
+    if (const QDate date = Regional::fromStoreDate(storeDate); date.isValid())
+        return Regional::dateText(date);
+    return text;
 }
 
 QString MonthAbbreviation(qint16 month) {
@@ -86,7 +93,11 @@ namespace {
 // then hold commas (and "" for a quote); a comma or a line end ends an item. Blank lines hold no item.
 class ItemReader {
 public:
-    explicit ItemReader(QString text) : text_(std::move(text)) { skipBlankLines(); }
+    explicit ItemReader(QString text) : text_(std::move(text)) {
+        if (text_.startsWith(QChar(0xFEFF)))   // a byte-order mark left by an editor
+            text_.remove(0, 1);
+        skipBlankLines();
+    }
 
     bool atEnd() const { return pos_ >= text_.size(); }
 
@@ -158,6 +169,12 @@ private:
     qsizetype pos_ = 0;
 };
 
+bool isHeading(const QString (&items)[3]) {
+    return items[0].compare(u"Group", Qt::CaseInsensitive) == 0 &&
+           items[1].compare(u"Symbol", Qt::CaseInsensitive) == 0 &&
+           items[2].compare(u"Name", Qt::CaseInsensitive) == 0;
+}
+
 } // namespace
 
 void ReadSymbolsFile() {
@@ -175,6 +192,9 @@ void ReadSymbolsFile() {
         QString items[3];
         for (QString& item : items)
             passOver([&] { item = reader.next(); });
+        // A heading line that names the columns is no symbol.
+        if (SymbolCount == 0 && isHeading(items))
+            continue;
         ++SymbolCount;
         SymbolEntries.resizeTo(SymbolCount);
         SymbolEntries[SymbolCount] = {items[0], items[1], items[2]};

@@ -12,7 +12,8 @@ class QObject;
 QString BrowseForFolder(QObject* owner, const QString& title);
 
 // The date text of a store date (yyyymmdd), in the order and form of the short date pattern;
-// "N/A" for 0.
+// "N/A" for 0. A pattern whose separators do not stand between its fields gives the date written
+// with the pattern.
 QString DateToText(qint32 storeDate);
 
 // The user's date separator; empty when the system gives none.
@@ -23,6 +24,8 @@ QString GetShortDatePattern();
 // "JAN".."DEC" for 1..12; empty text for any other number.
 QString MonthAbbreviation(qint16 month);
 
-// Fills Module1::SymbolEntries and SymbolCount from symbols.csv in the program's own folder.
+// Fills Module1::SymbolEntries and SymbolCount from symbols.csv in the program's own folder:
+// three comma-separated items (Group, Symbol, Name) per entry, trimmed; an item in double quotes
+// may hold commas. A first line "Group,Symbol,Name" is taken as a heading, not as an entry.
 // A missing or unreadable file leaves the list empty; nothing is reported.
 void ReadSymbolsFile();

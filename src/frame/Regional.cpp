@@ -80,8 +80,7 @@ bool isDayName(const QString& word) {
 // unquoted letters that are no field letters (年, 月, 日 in Japanese).
 bool isPatternLiteral(const QString& word) {
     const QLocale locale;
-    const QString patterns = locale.dateFormat(QLocale::ShortFormat) + u' ' +
-                             locale.dateFormat(QLocale::LongFormat);
+    const QString patterns = shortDatePattern() + u' ' + locale.dateFormat(QLocale::LongFormat);
     QStringList literals;
     QString run;
     bool quoted = false;
@@ -209,9 +208,17 @@ std::optional<QDate> readByFields(const QString& text) {
 
 } // namespace
 
+namespace {
+QString userShortDatePattern;
+}
+
 QString shortDatePattern() {
+    if (!userShortDatePattern.isEmpty())
+        return userShortDatePattern;
     return QLocale().dateFormat(QLocale::ShortFormat);
 }
+
+void setUserShortDatePattern(const QString& pattern) { userShortDatePattern = pattern; }
 
 QString dateSeparator() {
     const QString pattern = shortDatePattern();

@@ -10,8 +10,13 @@
 
 namespace Regional {
 
-// The short date pattern in the letters d, M and y (as "dd/MM/yyyy" or "M/d/yy").
+// The short date pattern in the letters d, M and y (as "dd/MM/yyyy" or "M/d/yy"): the user's own
+// pattern when one is set, else the locale's.
 QString shortDatePattern();
+// The user's own short date pattern, as the system's regional settings may hold one in place of
+// the locale's (a user who prefers "dd-MMM-yy"). Every date conversion follows it. Empty text goes
+// back to the locale's pattern.
+void setUserShortDatePattern(const QString& pattern);
 // The date separator: the first character of the short pattern that is not a field letter,
 // empty when the pattern has none.
 QString dateSeparator();
