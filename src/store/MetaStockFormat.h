@@ -65,6 +65,9 @@ struct Security {
 
     Layout layout() const;
     QString dataFileName() const;  // "F12.DAT", "F300.MWD"
+    // The symbol the program knows the security by: some writers leave the symbol blank and put
+    // the ticker in the name, and such a security goes by its name.
+    QString key() const { return symbol.isEmpty() ? name : symbol; }
 };
 
 // The index of a folder: its securities in the store's order (MASTER's, then XMASTER's).

@@ -137,7 +137,7 @@ qint32 SecurityReader::GetSecuritiesRemaining() const {
 
 QString SecurityReader::GetFileName() const { return d->security("GetFileName").dataFileName(); }
 QString SecurityReader::GetName() const { return d->security("GetName").name; }
-QString SecurityReader::GetSymbol() const { return d->security("GetSymbol").symbol; }
+QString SecurityReader::GetSymbol() const { return d->security("GetSymbol").key(); }
 double SecurityReader::GetClose() const { return d->record("GetClose").close; }
 qint32 SecurityReader::GetDate() const { return d->record("GetDate").date; }
 double SecurityReader::GetHigh() const { return d->record("GetHigh").high; }

@@ -23,7 +23,7 @@ QString dateText(qint32 d) { return QString::number(d); }
 void checkRecords(std::vector<Finding>& out, const Folder& folder, const Security& s) {
     const QString file = s.dataFileName();
     const QString path = folder.dataPath(s);
-    const QString who = QStringLiteral("%1 (%2)").arg(file, s.symbol.isEmpty() ? s.name : s.symbol);
+    const QString who = QStringLiteral("%1 (%2)").arg(file, s.key());
     if (!QFileInfo(path).isFile()) {
         problem(out, QStringLiteral("%1: the data file is missing").arg(who));
         return;
@@ -108,14 +108,12 @@ std::vector<Finding> checkFolder(const QString& folderPath) {
 
     QHash<QString, QString> symbols;
     for (const Security& s : index.securities) {
-        if (s.symbol.isEmpty()) {
-            note(out, QStringLiteral("%1: the security \"%2\" has no symbol").arg(s.dataFileName(), s.name));
-            continue;
-        }
-        const QString key = s.symbol.toUpper();
+        if (s.symbol.isEmpty())
+            note(out, QStringLiteral("%1: the security \"%2\" has no symbol and goes by its name").arg(s.dataFileName(), s.name));
+        const QString key = s.key().toUpper();
         if (symbols.contains(key))
             problem(out, QStringLiteral("%1: the symbol %2 is also the symbol of %3")
-                             .arg(s.dataFileName(), s.symbol, symbols.value(key)));
+                             .arg(s.dataFileName(), s.key(), symbols.value(key)));
         else
             symbols.insert(key, s.dataFileName());
     }

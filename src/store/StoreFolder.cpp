@@ -143,10 +143,10 @@ int Folder::findBySymbol(const QString& symbol) const {
     const QString wanted = symbol.trimmed();
     const auto& list = index.securities;
     for (size_t i = 0; i < list.size(); ++i)
-        if (list[i].symbol == wanted)
+        if (list[i].key() == wanted)
             return int(i);
     for (size_t i = 0; i < list.size(); ++i)
-        if (list[i].symbol.compare(wanted, Qt::CaseInsensitive) == 0)
+        if (list[i].key().compare(wanted, Qt::CaseInsensitive) == 0)
             return int(i);
     return -1;
 }
