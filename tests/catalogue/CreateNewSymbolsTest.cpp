@@ -11,8 +11,12 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QTest>
 #include <QToolButton>
+
+#include <algorithm>
+#include <cstdlib>
 
 using namespace createkit;
 
@@ -142,7 +146,6 @@ TEST_F(CreateNewSymbols, AnEmptyListStillWritesValuesDat) {
     dialog.cmdCreateSymbols->click();
     EXPECT_EQ(services.boxTexts(), QStringList{Success});
     EXPECT_EQ(readFileBytes(QDir(folder).filePath(QStringLiteral("values.dat"))), QByteArray("01/01/2004\r\n"));
-    EXPECT_TRUE(storedSymbols(folder).isEmpty());
 }
 
 TEST_F(CreateNewSymbols, ValuesDatIsOverwrittenEachTime) {
@@ -336,11 +339,10 @@ TEST_F(CreateNewSymbols, CloseDropsTheListAndWritesNothing) {
     EXPECT_EQ(again.lstSymbols->count(), 0);
 }
 
-TEST_F(CreateNewSymbols, AStoreFailureIsShownAndTheDialogKeepsItsList) {
-    // A folder that cannot be made: it would lie under a plain file.
+TEST_F(CreateNewSymbols, AFolderThatCannotBeMadeIsReportedWithTheStoresText) {
     const QString file = temp.file(QStringLiteral("plain.txt"));
     writeTextFile(file, "not a folder");
-    const QString folder = file + QStringLiteral("/store");
+    const QString folder = file + QStringLiteral("/store");   // under a plain file
     frmCreateNewSymbols dialog;
     dialog.txtDataFolder->setText(folder);
     typeSymbol(dialog, QStringLiteral("AAA"));
@@ -354,6 +356,68 @@ TEST_F(CreateNewSymbols, AStoreFailureIsShownAndTheDialogKeepsItsList) {
     EXPECT_NE(dialog.result(), QDialog::Accepted);
     EXPECT_EQ(lines(dialog.lstSymbols), QStringList{QStringLiteral("AAA")});
     EXPECT_FALSE(QFileInfo::exists(folder + QStringLiteral("/values.dat")));
+}
+
+TEST_F(CreateNewSymbols, AFailureHalfwayKeepsWhatWasMadeAndTheList) {
+    const QString folder = temp.sub(QStringLiteral("halfway"));
+    const QString tooLong = QStringLiteral("FIFTEEN.CHARS.X");   // the store takes 14 characters
+    {
+        frmCreateNewSymbols dialog;
+        dialog.txtDataFolder->setText(folder);
+        for (const QString& symbol : {QStringLiteral("FIRST"), tooLong, QStringLiteral("THIRD")})
+            typeSymbol(dialog, symbol);
+        dialog.cmdCreateSymbols->click();
+
+        ASSERT_EQ(services.boxes.size(), 1);
+        EXPECT_TRUE(services.boxes[0].text.contains(tooLong)) << services.boxes[0].text.toStdString();
+        EXPECT_EQ(services.boxes[0].icon, MsgIcon::None);
+        EXPECT_NE(dialog.result(), QDialog::Accepted);
+        EXPECT_EQ(dialog.lstSymbols->count(), 3);
+        EXPECT_FALSE(QFileInfo::exists(QDir(folder).filePath(QStringLiteral("values.dat"))));
+    }   // the dialog is gone, and its writer with it
+    EXPECT_EQ(storedSymbols(folder), QStringList{QStringLiteral("FIRST")});
+}
+
+TEST_F(CreateNewSymbols, AVendorFolderKeepsItsOtherSecurities) {
+    REQUIRE_FIXTURE("vendor-small");
+    const QString folder = temp.sub(QStringLiteral("vendor"));
+    ASSERT_TRUE(copyFixture(QStringLiteral("vendor-small"), folder));
+    const QList<StoredSecurity> before = readStore(folder);
+    ASSERT_FALSE(before.isEmpty());
+
+    frmCreateNewSymbols dialog;
+    dialog.txtDataFolder->setText(folder);
+    typeSymbol(dialog, QStringLiteral("NEWONE"));
+    dialog.cmdCreateSymbols->click();
+    ASSERT_EQ(services.boxTexts(), QStringList{Success});
+
+    const QList<StoredSecurity> after = readStore(folder);
+    ASSERT_EQ(after.size(), before.size() + 1);
+    for (const StoredSecurity& old : before) {
+        const auto same = std::find_if(after.begin(), after.end(),
+                                       [&](const StoredSecurity& s) { return s.symbol == old.symbol; });
+        ASSERT_NE(same, after.end()) << old.symbol.toStdString();
+        EXPECT_EQ(same->records, old.records) << old.symbol.toStdString();
+        EXPECT_EQ(same->lastDate, old.lastDate) << old.symbol.toStdString();
+    }
+}
+
+TEST_F(CreateNewSymbols, TheDialogsStandInTheMiddleOfTheScreen) {
+    loadSymbolList(services, "NSE,A.NS,Alpha\n");
+    frmCreateNewSymbols create;
+    frmNewSymbol prompt;
+    frmSymbolLookup lookup;
+    for (QDialog* dialog : std::initializer_list<QDialog*>{&create, &prompt, &lookup}) {
+        dialog->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog));
+        dialog->resize(dialog->width() + 40, dialog->height() + 20);
+        QApplication::processEvents();
+        const QRect screen = dialog->screen()->geometry();
+        const QRect frame = dialog->frameGeometry();
+        EXPECT_LE(std::abs(frame.center().x() - screen.center().x()), 1) << dialog->objectName().toStdString();
+        EXPECT_LE(std::abs(frame.center().y() - screen.center().y()), 1) << dialog->objectName().toStdString();
+        dialog->hide();
+    }
 }
 
 } // namespace
