@@ -3,6 +3,7 @@
 #include "frame/main/MDIMain.h"
 #include "frame/ui/ProgramIcon.h"
 #include "frame/ui/QtPlatform.h"
+#include "store/ui/ReadProgressWindow.h"
 
 #include <QApplication>
 
@@ -14,6 +15,8 @@ int main(int argc, char** argv) {
 
     QtPlatform services;
     setPlatform(&services);
+    // Long reads of a sheet or a chart show the store's progress window.
+    UseReadProgressWindow();
 
     int result = 0;
     {

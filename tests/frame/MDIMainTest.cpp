@@ -254,6 +254,12 @@ TEST(MDIMain, WindowMenuListsTheChildWindowsAndActivatesThePickedOne) {
     EXPECT_TRUE(entries[0]->isChecked());
     EXPECT_FALSE(entries[2]->isChecked());
 
+    // A child keeps the size its screen gave it.
+    for (QMdiSubWindow* sub : f->MDIArea->subWindowList()) {
+        EXPECT_GE(sub->widget()->width(), 200);
+        EXPECT_GE(sub->widget()->height(), 120);
+    }
+
     // A closed window leaves the list.
     f->MDIArea->subWindowList(QMdiArea::CreationOrder)[1]->close();
     QApplication::processEvents();
