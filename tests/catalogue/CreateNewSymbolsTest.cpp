@@ -64,11 +64,6 @@ TEST_F(CreateNewSymbols, OpensWithLastFolderTheFromDateAndAnEmptyList) {
     EXPECT_TRUE(labels.contains(QStringLiteral("From Date")));
 }
 
-TEST_F(CreateNewSymbols, FirstRunShowsAnEmptyFolderField) {
-    frmCreateNewSymbols dialog;
-    EXPECT_EQ(dialog.txtDataFolder->text(), QString());
-}
-
 TEST_F(CreateNewSymbols, CreatesEmptySecuritiesInAFreshFolder) {
     const QString folder = temp.sub(QStringLiteral("fresh"));
     frmCreateNewSymbols dialog;
@@ -283,14 +278,6 @@ TEST_F(CreateNewSymbols, NewSymbolAddsOnlyWhatWasTypedAndConfirmed) {
     EXPECT_EQ(lines(dialog.lstSymbols), (QStringList{QStringLiteral("AAA"), QStringLiteral("ccc d")}));
 }
 
-TEST_F(CreateNewSymbols, NewSymbolCloseLeavesNewSymbolEmpty) {
-    Module1::NewSymbol = QStringLiteral("stale");
-    frmCreateNewSymbols dialog;
-    typeSymbol(dialog, QStringLiteral("XYZ"), /*ok=*/false);
-    EXPECT_EQ(Module1::NewSymbol, QString());
-    EXPECT_EQ(dialog.lstSymbols->count(), 0);
-}
-
 TEST_F(CreateNewSymbols, SymbolLookupPicksAreAppendedAndComeAgainAfterClose) {
     loadSymbolList(services, "NSE,INFY.NS,Infosys\nNSE,TCS.NS,Tata Consultancy\nNSE,WIPRO.NS,Wipro\n");
     frmCreateNewSymbols dialog;
@@ -323,39 +310,6 @@ TEST_F(CreateNewSymbols, YahooLookupOpensYahoosPage) {
     dialog.cmdYahoo->click();
     EXPECT_EQ(services.openedAddresses, QStringList{WebLinks::YahooLookupPage});
     EXPECT_TRUE(services.boxes.isEmpty());
-}
-
-TEST_F(CreateNewSymbols, CloseDropsTheListAndWritesNothing) {
-    const QString folder = temp.sub(QStringLiteral("closed"));
-    {
-        frmCreateNewSymbols dialog;
-        dialog.txtDataFolder->setText(folder);
-        typeSymbol(dialog, QStringLiteral("AAA"));
-        dialog.cmdClose->click();
-        EXPECT_EQ(dialog.result(), QDialog::Rejected);
-    }
-    EXPECT_TRUE(QDir(folder).isEmpty());
-    frmCreateNewSymbols again;
-    EXPECT_EQ(again.lstSymbols->count(), 0);
-}
-
-TEST_F(CreateNewSymbols, AFolderThatCannotBeMadeIsReportedWithTheStoresText) {
-    const QString file = temp.file(QStringLiteral("plain.txt"));
-    writeTextFile(file, "not a folder");
-    const QString folder = file + QStringLiteral("/store");   // under a plain file
-    frmCreateNewSymbols dialog;
-    dialog.txtDataFolder->setText(folder);
-    typeSymbol(dialog, QStringLiteral("AAA"));
-    dialog.cmdCreateSymbols->click();
-
-    ASSERT_EQ(services.boxes.size(), 1);
-    EXPECT_FALSE(services.boxes[0].text.isEmpty());
-    EXPECT_NE(services.boxes[0].text, Success);
-    EXPECT_EQ(services.boxes[0].icon, MsgIcon::None);
-    EXPECT_EQ(services.boxes[0].title, Title);
-    EXPECT_NE(dialog.result(), QDialog::Accepted);
-    EXPECT_EQ(lines(dialog.lstSymbols), QStringList{QStringLiteral("AAA")});
-    EXPECT_FALSE(QFileInfo::exists(folder + QStringLiteral("/values.dat")));
 }
 
 TEST_F(CreateNewSymbols, AFailureHalfwayKeepsWhatWasMadeAndTheList) {

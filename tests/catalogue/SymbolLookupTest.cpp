@@ -99,18 +99,6 @@ TEST_F(SymbolLookup, SeveralLinesComeBackInListOrderAndTheSymbolFollowsTheLastCl
     EXPECT_EQ(selectedSymbols(), (QStringList{QStringLiteral("INFY.NS"), QStringLiteral("WIPRO.NS")}));
 }
 
-TEST_F(SymbolLookup, ShiftClickTakesARange) {
-    loadSymbolList(services, Symbols);
-    frmSymbolLookup dialog;
-    dialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-    clickLine(dialog, 0);
-    clickLine(dialog, 2, Qt::ShiftModifier);
-    dialog.Command1->click();
-    EXPECT_EQ(selectedSymbols(),
-              (QStringList{QStringLiteral("INFY.NS"), QStringLiteral("TCS.NS"), QStringLiteral("WIPRO.NS")}));
-}
-
 TEST_F(SymbolLookup, AnotherGroupReplacesTheListAndItsSelection) {
     loadSymbolList(services, Symbols);
     frmSymbolLookup dialog;

@@ -35,7 +35,7 @@ frmSymbolLookup::frmSymbolLookup(QWidget* parent) : QDialog(parent) {
     lstSymbolNames = new QListWidget(this);
     lstSymbolNames->setObjectName(QStringLiteral("lstSymbolNames"));
     lstSymbolNames->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    lstSymbolNames->setMinimumSize(300, 260);
+    lstSymbolNames->setMinimumSize(340, 260);
 
     Label2 = new QLabel(QStringLiteral("Symbol"), this);
     Label2->setObjectName(QStringLiteral("Label2"));
