@@ -1,0 +1,60 @@
+#include "sheet/RecordEdits.h"
+
+#include "frame/Failure.h"
+#include "frame/Regional.h"
+#include "store/SecurityWriter.h"
+
+namespace {
+
+// A record written by the user carries mark -1 and extra -1.0.
+constexpr qint32 UserMark = -1;
+constexpr double UserExtra = -1.0;
+
+QString storeDateText(const QDate& date) {
+    const QString text = Regional::yyyymmdd(date);
+    if (text.isEmpty())
+        throw Failure(FailureNumber::Generic, QStringLiteral("Invalid date."), QStringLiteral("frmView"));
+    return text;
+}
+
+} // namespace
+
+InsertEnd InsertRecord(const QString& folder, const QString& symbol, const RecordValues& record) {
+    const QString d = storeDateText(record.Dat);
+    SecurityWriter writer;
+    writer.OpenFolder(folder.trimmed());
+    writer.OpenSecurity(symbol.trimmed());
+    if (writer.DateExists(d)) {
+        writer.CloseSecurity();
+        writer.CloseFolder();
+        return InsertEnd::DateExists;
+    }
+    writer.AddQuote(d.toInt(), UserMark, record.OpenPrice, record.High, record.Low, record.ClosePrice,
+                    record.Volume, UserExtra);
+    writer.CloseSecurity();
+    writer.CloseFolder();
+    return InsertEnd::Added;
+}
+
+void ChangeRecord(const QString& folder, const QString& symbol, const RecordValues& record) {
+    const QString d = storeDateText(record.Dat);
+    SecurityWriter writer;
+    writer.OpenFolder(folder.trimmed());
+    writer.OpenSecurity(symbol.trimmed());
+    writer.ChangeQuote(d, QStringLiteral("-1"), UserMark, record.OpenPrice, record.High, record.Low,
+                       record.ClosePrice, record.Volume, UserExtra);
+    writer.CloseSecurity();
+    writer.CloseFolder();
+}
+
+void DeleteRecord(const QString& folder, const QString& symbol, const QString& dateText) {
+    const auto date = Regional::readDate(dateText.trimmed());
+    const QString d = storeDateText(date.value_or(QDate()));
+    SecurityWriter writer;
+    writer.OpenFolder(folder.trimmed());
+    writer.OpenSecurity(symbol.trimmed());
+    writer.DeleteQuote(d);
+    writer.SaveQuotes();
+    writer.CloseSecurity();
+    writer.CloseFolder();
+}

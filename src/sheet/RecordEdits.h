@@ -1,0 +1,32 @@
+#pragma once
+// The three edits of a data sheet on the store: insert one record, change the values of one
+// record, delete one record. Each opens the folder and the security through its own
+// SecurityWriter, does its work and closes them again. A failing store operation raises its
+// Failure; what was written until then stays written.
+
+#include <QDate>
+#include <QString>
+
+// One record as the record dialog gives it.
+struct RecordValues {
+    QDate Dat;
+    double OpenPrice = 0;
+    double High = 0;
+    double Low = 0;
+    double ClosePrice = 0;
+    double Volume = 0;
+};
+
+enum class InsertEnd {
+    Added,         // the record is in the store
+    DateExists,    // the security holds that date already; nothing was written
+};
+
+// Adds a record written by the user (mark -1), unless the security holds its date already.
+InsertEnd InsertRecord(const QString& folder, const QString& symbol, const RecordValues& record);
+
+// Replaces the values of the record of record.Dat.
+void ChangeRecord(const QString& folder, const QString& symbol, const RecordValues& record);
+
+// Removes the record whose date a sheet shows as `dateText` (read under the user's date rules).
+void DeleteRecord(const QString& folder, const QString& symbol, const QString& dateText);

@@ -1,0 +1,86 @@
+#include "sheet/SheetLoad.h"
+
+#include "frame/CommonRoutines.h"
+#include "frame/Failure.h"
+#include "frame/Regional.h"
+#include "sheet/SheetRows.h"
+#include "store/ReadProgress.h"
+#include "store/SecurityReader.h"
+
+#include <vector>
+
+QString PeriodicityText(qint32 code) {
+    // The box first takes the code's digits, which are then read back as a number.
+    const QString digits = QString::number(code);
+    switch (digits.trimmed().toInt()) {
+    case 1: return QStringLiteral("Daily");
+    case 2: return QStringLiteral("Weekly");
+    case 3: return QStringLiteral("Monthly");
+    default: return digits;
+    }
+}
+
+SheetLoadEnd LoadSheet(const QString& folder, const QString& symbol, SheetRows& rows,
+                       SheetLoadListener& listener) {
+    rows.clear();
+
+    // The rows are gathered here and handed to the model in one go, also when the load stops
+    // half-way, so that a long security does not cost one view update per record.
+    std::vector<SheetRow> read;
+    auto handOver = [&] { rows.append(std::move(read)); };
+
+    const std::unique_ptr<ReadProgress> progress = ReadProgress::create();
+    SecurityReader reader;
+    try {
+        progress->Show();
+        reader.OpenFolder(folder.trimmed());
+        reader.OpenSecurity(symbol.trimmed());
+
+        const qint32 count = reader.GetRecordCount();
+        progress->SetRange(0, count);
+        progress->SetStep(1);
+        progress->SetCaption(QStringLiteral("Read Security data..."));
+        progress->SetMessage(QStringLiteral("Progress...."));
+
+        const QString firstDate = DateToText(reader.GetFirstDate());
+        listener.firstDateRead(firstDate);
+        listener.periodicityRead(PeriodicityText(reader.GetPeriodicity()));
+        listener.lastDateRead(firstDate);
+
+        reader.SetRecordMode(2);
+
+        if (reader.GetRecordsRemaining() >= 1) {
+            if (count > 0)
+                read.reserve(static_cast<size_t>(count));
+            while (reader.GetRecordsRemaining() >= 1) {
+                reader.NextRecord();
+                SheetRow row;
+                row.cells[0] = DateToText(reader.GetDate());
+                row.cells[1] = Regional::priceText(reader.GetOpen());
+                row.cells[2] = Regional::priceText(reader.GetHigh());
+                row.cells[3] = Regional::priceText(reader.GetLow());
+                row.cells[4] = Regional::priceText(reader.GetClose());
+                row.cells[5] = Regional::numberText(reader.GetVolume());
+                read.push_back(std::move(row));
+
+                progress->StepIt();
+                if (progress->GetCancelled()) {
+                    progress->Hide();
+                    reader.CloseSecurity();
+                    reader.CloseFolder();
+                    handOver();
+                    return SheetLoadEnd::Cancelled;
+                }
+            }
+            listener.lastDateRead(DateToText(reader.GetDate()));
+        }
+
+        reader.CloseSecurity();
+        reader.CloseFolder();
+    } catch (const Failure&) {
+        handOver();
+        throw;
+    }
+    handOver();
+    return SheetLoadEnd::Complete;
+}

@@ -1,0 +1,78 @@
+#include "sheet/SheetRows.h"
+
+#include <QStringList>
+
+SheetRows::SheetRows(QObject* parent) : QAbstractTableModel(parent) {}
+
+int SheetRows::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+int SheetRows::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : ColumnCount; }
+
+QVariant SheetRows::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= rowCount() || index.column() >= ColumnCount)
+        return {};
+    if (role == Qt::DisplayRole)
+        return rows_[static_cast<size_t>(index.row())].cells[static_cast<size_t>(index.column())];
+    if (role == Qt::TextAlignmentRole && index.column() != DateColumn)
+        return QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter);
+    return {};
+}
+
+QVariant SheetRows::headerData(int section, Qt::Orientation orientation, int role) const {
+    static const QStringList headings = {QStringLiteral("Date"), QStringLiteral("Open"),
+                                         QStringLiteral("High"), QStringLiteral("Low"),
+                                         QStringLiteral("Close"), QStringLiteral("Volume")};
+    if (orientation != Qt::Horizontal || section < 0 || section >= ColumnCount)
+        return QAbstractTableModel::headerData(section, orientation, role);
+    if (role == Qt::DisplayRole)
+        return headings.at(section);
+    if (role == Qt::TextAlignmentRole && section != DateColumn)
+        return QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter);
+    return {};
+}
+
+QString SheetRows::cell(int row, int column) const {
+    if (row < 0 || row >= rowCount() || column < 0 || column >= ColumnCount)
+        return {};
+    return rows_[static_cast<size_t>(row)].cells[static_cast<size_t>(column)];
+}
+
+void SheetRows::clear() {
+    if (rows_.empty())
+        return;
+    beginResetModel();
+    rows_.clear();
+    endResetModel();
+}
+
+void SheetRows::append(std::vector<SheetRow>&& rows) {
+    if (rows.empty())
+        return;
+    const int first = rowCount();
+    beginInsertRows({}, first, first + static_cast<int>(rows.size()) - 1);
+    if (rows_.empty()) {
+        rows_ = std::move(rows);
+    } else {
+        rows_.insert(rows_.end(), std::make_move_iterator(rows.begin()), std::make_move_iterator(rows.end()));
+    }
+    rows.clear();
+    endInsertRows();
+}
+
+void SheetRows::setValues(int row, const std::array<QString, 5>& values) {
+    if (row < 0 || row >= rowCount())
+        return;
+    for (size_t i = 0; i < values.size(); ++i)
+        rows_[static_cast<size_t>(row)].cells[i + 1] = values[i];
+    emit dataChanged(index(row, OpenColumn), index(row, VolumeColumn));
+}
+
+void SheetRows::removeAt(int row) {
+    if (row < 0 || row >= rowCount())
+        return;
+    beginRemoveRows({}, row, row);
+    rows_.erase(rows_.begin() + row);
+    endRemoveRows();
+}
