@@ -184,12 +184,6 @@ TEST(GoURL, OpensTheAddressWithoutABox) {
     EXPECT_TRUE(p.boxes.isEmpty());
 }
 
-TEST(OwnFiles, ProgramFolderWhenWritable) {
-    ScriptedPlatform p;
-    EXPECT_EQ(ownFileForWriting("folders.txt"), QDir(p.programFolder()).filePath("folders.txt"));
-    EXPECT_EQ(ownFileForReading("symbols.csv"), QDir(p.programFolder()).filePath("symbols.csv"));
-}
-
 TEST(MsgBox, BoxWithoutTitleShowsTheProgramsTitle) {
     ScriptedPlatform p;
     MsgBox(QStringLiteral("Done"), MsgIcon::Information);
