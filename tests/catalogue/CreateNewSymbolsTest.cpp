@@ -130,7 +130,7 @@ TEST_F(CreateNewSymbols, TheSameSymbolTwiceLeavesOneSecurity) {
     typeSymbol(dialog, QStringLiteral("SBIN"));
     EXPECT_EQ(dialog.lstSymbols->count(), 2);
     dialog.cmdCreateSymbols->click();
-    EXPECT_EQ(services.boxTexts(), QStringList{Success});
+    EXPECT_EQ(services.boxTexts(), QStringList{Success}) << services.boxTexts().join(u'|').toStdString();
     EXPECT_EQ(storedSymbols(folder), QStringList{QStringLiteral("SBIN")});
 }
 
