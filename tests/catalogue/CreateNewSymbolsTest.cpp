@@ -90,6 +90,7 @@ TEST_F(CreateNewSymbols, CreatesEmptySecuritiesInAFreshFolder) {
         EXPECT_EQ(security.firstDate, 20050315) << security.symbol.toStdString();
         EXPECT_EQ(security.lastDate, 20050315) << security.symbol.toStdString();
         EXPECT_EQ(security.records, 0) << security.symbol.toStdString();
+        EXPECT_EQ(security.periodicity, 1) << security.symbol.toStdString();   // daily
     }
     names.sort();
     EXPECT_EQ(names, (QStringList{QStringLiteral("INFY.NS"), QStringLiteral("TCS")}));

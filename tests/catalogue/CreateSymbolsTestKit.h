@@ -35,6 +35,7 @@ struct StoredSecurity {
     qint32 firstDate = 0;
     qint32 lastDate = 0;
     qint32 records = -1;
+    qint32 periodicity = 0;
 };
 
 // Every security of the folder, in the store's order, with its record count.
@@ -44,7 +45,7 @@ inline QList<StoredSecurity> readStore(const QString& folder) {
     reader.OpenFolder(folder);
     while (reader.GetSecuritiesRemaining() > 0) {
         reader.NextSecurity();
-        found.append({reader.GetName(), reader.GetSymbol(), 0, reader.GetLastDate(), -1});
+        found.append({reader.GetName(), reader.GetSymbol(), 0, reader.GetLastDate(), -1, 0});
     }
     reader.CloseFolder();
     for (StoredSecurity& security : found) {
@@ -55,6 +56,7 @@ inline QList<StoredSecurity> readStore(const QString& folder) {
         reader.CloseSecurity();
         reader.OpenSecurity(security.symbol);
         security.records = reader.GetRecordCount();
+        security.periodicity = reader.GetPeriodicity();
         reader.CloseSecurity();
         reader.CloseFolder();
     }
