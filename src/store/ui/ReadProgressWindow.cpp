@@ -46,7 +46,6 @@ void ReadProgressWindow::Show() {
     if (const QScreen* screen = QGuiApplication::primaryScreen())
         move(screen->availableGeometry().center() - rect().center());
     show();
-    raise();
     QCoreApplication::processEvents();
 }
 
