@@ -4,6 +4,7 @@
 #include "frame/main/MDIMain.h"
 #include "frame/ui/ChildWindows.h"
 #include "frame/ui/frmAbout.h"
+#include "catalogue/ui/frmOpen.h"
 #include "support/Modal.h"
 #include "support/ScriptedPlatform.h"
 #include "support/TestSupport.h"
@@ -402,3 +403,42 @@ TEST(MDIMain, AboutEntryShowsTheBoxModally) {
 }
 
 } // namespace
+
+// Each entry that opens a screen opens the right one, modally; Cancel or Close leaves nothing open.
+TEST(MDIMain, MenuEntriesAndToolbarOpenTheirScreens) {
+    struct Case {
+        const char* what;
+        std::function<void(MDIMain*)> click;
+        QString caption;
+        bool chart;   // for Open Security: the value of tChart
+    };
+    const std::vector<Case> cases = {
+        {"mnuNewSymbol", [](MDIMain* m) { m->mnuNewSymbol->trigger(); }, "Create New Symbols", false},
+        {"toolbar 1", [](MDIMain* m) { m->Toolbar1_ButtonClick(1); }, "Create New Symbols", false},
+        {"mnuOpen", [](MDIMain* m) { m->mnuOpen->trigger(); }, "Open Security", false},
+        {"toolbar 2", [](MDIMain* m) { m->Toolbar1_ButtonClick(2); }, "Open Security", false},
+        {"mnuOpenChart", [](MDIMain* m) { m->mnuOpenChart->trigger(); }, "Open Security", true},
+        {"toolbar 3", [](MDIMain* m) { m->Toolbar1_ButtonClick(3); }, "Open Security", true},
+        {"mnuYahooDownloads", [](MDIMain* m) { m->mnuYahooDownloads->trigger(); }, "Downloader", false},
+        {"mnuSymbolLookup", [](MDIMain* m) { m->mnuSymbolLookup->trigger(); }, "Symbol Lookup", false},
+    };
+    for (const Case& c : cases) {
+        ScriptedPlatform p;
+        Frame f(p);
+        f->show();
+        QString seen;
+        bool chart = false;
+        onNextModal([&](QWidget* dialog) {
+            seen = dialog->windowTitle();
+            chart = dialog->property("tChart").toBool();
+            if (auto* open = qobject_cast<frmOpen*>(dialog))
+                chart = open->tChart;
+            dialog->close();
+        });
+        c.click(f.window.get());
+        EXPECT_EQ(seen, c.caption) << c.what;
+        EXPECT_EQ(chart, c.chart) << c.what;
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << c.what;
+        EXPECT_TRUE(f->MDIArea->subWindowList().isEmpty()) << c.what;
+    }
+}

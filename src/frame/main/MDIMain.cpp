@@ -8,6 +8,10 @@
 #include "frame/ui/ChildWindows.h"
 #include "frame/ui/ProgramIcon.h"
 #include "frame/ui/frmAbout.h"
+#include "catalogue/ui/frmCreateNewSymbols.h"
+#include "catalogue/ui/frmOpen.h"
+#include "catalogue/ui/frmSymbolLookup.h"
+#include "download/ui/frmDownload.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -210,15 +214,20 @@ void MDIMain::closeEvent(QCloseEvent* event) {
 // --- File ---
 
 void MDIMain::mnuNewSymbol_Click() {
-    // Create New Symbols (frmCreateNewSymbols) is opened here, modally.
+    frmCreateNewSymbols dialog(this);
+    dialog.exec();
 }
 
 void MDIMain::mnuOpen_Click() {
-    // Open Security (frmOpen) is opened here with tChart False, modally.
+    frmOpen dialog(this);
+    dialog.tChart = false;
+    dialog.exec();
 }
 
 void MDIMain::mnuOpenChart_Click() {
-    // Open Security (frmOpen) is opened here with tChart True, modally.
+    frmOpen dialog(this);
+    dialog.tChart = true;
+    dialog.exec();
 }
 
 void MDIMain::mnuClose_Click() {
@@ -234,7 +243,8 @@ void MDIMain::mnuExit_Click() {
 // --- Tools ---
 
 void MDIMain::mnuYahooDownloads_Click() {
-    // The World Exchanges downloader (frmDownload) is opened here, modally.
+    frmDownload dialog(this);
+    dialog.exec();
 }
 
 void MDIMain::mnuNSEIndia_Click() {
@@ -258,7 +268,9 @@ void MDIMain::mnuConvert_Click() {
 }
 
 void MDIMain::mnuSymbolLookup_Click() {
-    // Symbol Lookup (frmSymbolLookup) is opened here, modally; what is selected is not used.
+    // What is selected here only replaces SelectedSymbols; nothing else uses it.
+    frmSymbolLookup dialog(this);
+    dialog.exec();
 }
 
 // --- Help ---
