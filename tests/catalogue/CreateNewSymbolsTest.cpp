@@ -190,13 +190,17 @@ INSTANTIATE_TEST_SUITE_P(
                       ValuesCase{"de_DE", "02.01.2004", "02.01.2004\r\n"},
                       ValuesCase{"de_DE", "2004-01-02", "02.01.2004\r\n"}));
 
-TEST_F(CreateNewSymbols, TheFromDateIsShownInTheUsersShortForm) {
+TEST_F(CreateNewSymbols, TheProposedFromDateIsTheFirstOfJanuary2004InEveryLocale) {
     const std::pair<const char*, const char*> cases[] = {
-        {"en_GB", "01/01/2004"}, {"en_US", "1/1/04"}, {"de_DE", "01.01.04"}};
-    for (const auto& [name, shown] : cases) {
+        {"en_GB", "01/01/2004\r\n"}, {"en_US", "01/01/2004\r\n"}, {"de_DE", "01.01.2004\r\n"}};
+    for (const auto& [name, written] : cases) {
         LocaleGuard locale(QString::fromLatin1(name));
+        const QString folder = temp.sub(QString::fromLatin1(name));
         frmCreateNewSymbols dialog;
-        EXPECT_EQ(dialog.dtFrom->text(), QString::fromLatin1(shown)) << name;
+        EXPECT_EQ(dialog.dtFrom->text(), QStringLiteral("01/01/2004")) << name;
+        dialog.txtDataFolder->setText(folder);
+        dialog.cmdCreateSymbols->click();
+        EXPECT_EQ(readFileBytes(QDir(folder).filePath(QStringLiteral("values.dat"))), QByteArray(written)) << name;
     }
 }
 

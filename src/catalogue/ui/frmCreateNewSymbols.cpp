@@ -25,7 +25,9 @@
 
 namespace {
 const QString ChooserTitle = QStringLiteral("Select Folder to Stoder the Symbols and Data");
-const QDate InitialFromDate{2004, 1, 1};
+// The from date a new dialog proposes, as typed text; day and month are alike, so it reads as
+// 1 January 2004 in every order of the fields.
+const QString InitialFromDate = QStringLiteral("01/01/2004");
 } // namespace
 
 frmCreateNewSymbols::frmCreateNewSymbols(QWidget* parent) : QDialog(parent) {
@@ -100,7 +102,7 @@ frmCreateNewSymbols::~frmCreateNewSymbols() = default;
 
 void frmCreateNewSymbols::Form_Load() {
     lstSymbols->clear();
-    dtFrom->setText(Regional::dateText(InitialFromDate));
+    dtFrom->setText(InitialFromDate);
     txtDataFolder->setText(Module1::LastFolder);
 }
 
