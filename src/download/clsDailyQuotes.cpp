@@ -87,13 +87,14 @@ qint16 clsDailyQuotes::ReadTable(const QString& normalised) {
         int row = 0;
         for (qsizetype i = Stride; i <= last - Stride; i += Stride) {
             ++row;
-            if (!Regional::readNumber(fields[i + 2].toString()))
+            const auto high = Regional::readNumber(fields[i + 2].toString());
+            if (!high)
                 continue;   // a High that is no number: the row doesn't count, its index stays empty
             quotes.resizeTo(row);
             QuoteRecord& record = quotes[row];
             record.Dat = fields[i].toString();
             record.OpenPrice = toDouble(fields[i + 1]);
-            record.High = toDouble(fields[i + 2]);
+            record.High = *high;
             record.Low = toDouble(fields[i + 3]);
             record.ClosePrice = toDouble(fields[i + 4]);
             record.Volume = toVolume(fields[i + 5]);

@@ -281,3 +281,26 @@ TEST_P(DownloaderHandOver, ItemsCarryDatesTheRunReadsBack) {
 INSTANTIATE_TEST_SUITE_P(Locales, DownloaderHandOver, ::testing::Values("en_GB", "en_US", "de_DE"));
 
 } // namespace
+
+namespace {
+
+TEST(FoldersFileFields, FieldsEndAtCommasAndLineEnds) {
+    struct Case {
+        QByteArray bytes;
+        QStringList fields;
+    };
+    const Case cases[] = {
+        {"", {}},
+        {"C:\\Data", {"C:\\Data"}},
+        {"C:\\Data\r\n", {"C:\\Data"}},
+        {"/a\n/b\n", {"/a", "/b"}},
+        {"/a,/b\r\n/c", {"/a", "/b", "/c"}},
+        {"   /lead\t\r\n", {"/lead\t"}},
+        {"\"/x, y\" \r\n/z\r\n", {"/x, y", "/z"}},
+        {"/a\r\n\r\n/b\r\n", {"/a", "", "/b"}},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(FoldersFile::delimitedFields(c.bytes), c.fields) << c.bytes.toStdString();
+}
+
+} // namespace
