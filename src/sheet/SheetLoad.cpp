@@ -2,7 +2,6 @@
 
 #include "frame/CommonRoutines.h"
 #include "frame/Failure.h"
-#include "frame/Regional.h"
 #include "sheet/SheetRows.h"
 #include "store/ReadProgress.h"
 #include "store/SecurityReader.h"
@@ -55,13 +54,13 @@ SheetLoadEnd LoadSheet(const QString& folder, const QString& symbol, SheetRows& 
             while (reader.GetRecordsRemaining() >= 1) {
                 reader.NextRecord();
                 SheetRow row;
-                row.cells[0] = DateToText(reader.GetDate());
-                row.cells[1] = Regional::priceText(reader.GetOpen());
-                row.cells[2] = Regional::priceText(reader.GetHigh());
-                row.cells[3] = Regional::priceText(reader.GetLow());
-                row.cells[4] = Regional::priceText(reader.GetClose());
-                row.cells[5] = Regional::numberText(reader.GetVolume());
-                read.push_back(std::move(row));
+                row.date = reader.GetDate();
+                row.values[0] = reader.GetOpen();
+                row.values[1] = reader.GetHigh();
+                row.values[2] = reader.GetLow();
+                row.values[3] = reader.GetClose();
+                row.values[4] = reader.GetVolume();
+                read.push_back(row);
 
                 progress->StepIt();
                 if (progress->GetCancelled()) {

@@ -1,5 +1,8 @@
 #include "sheet/SheetRows.h"
 
+#include "frame/CommonRoutines.h"
+#include "frame/Regional.h"
+
 #include <QStringList>
 
 SheetRows::SheetRows(QObject* parent) : QAbstractTableModel(parent) {}
@@ -14,7 +17,7 @@ QVariant SheetRows::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= rowCount() || index.column() >= ColumnCount)
         return {};
     if (role == Qt::DisplayRole)
-        return rows_[static_cast<size_t>(index.row())].cells[static_cast<size_t>(index.column())];
+        return cell(index.row(), index.column());
     if (role == Qt::TextAlignmentRole && index.column() != DateColumn)
         return QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter);
     return {};
@@ -36,7 +39,13 @@ QVariant SheetRows::headerData(int section, Qt::Orientation orientation, int rol
 QString SheetRows::cell(int row, int column) const {
     if (row < 0 || row >= rowCount() || column < 0 || column >= ColumnCount)
         return {};
-    return rows_[static_cast<size_t>(row)].cells[static_cast<size_t>(column)];
+    const SheetRow& r = rows_[static_cast<size_t>(row)];
+    if (column == DateColumn)
+        return DateToText(r.date);
+    const double value = r.values[static_cast<size_t>(column - 1)];
+    if (r.plain || column == VolumeColumn)
+        return Regional::numberText(value);
+    return Regional::priceText(value);
 }
 
 void SheetRows::clear() {
@@ -61,11 +70,11 @@ void SheetRows::append(std::vector<SheetRow>&& rows) {
     endInsertRows();
 }
 
-void SheetRows::setValues(int row, const std::array<QString, 5>& values) {
+void SheetRows::setValues(int row, const std::array<double, 5>& values) {
     if (row < 0 || row >= rowCount())
         return;
-    for (size_t i = 0; i < values.size(); ++i)
-        rows_[static_cast<size_t>(row)].cells[i + 1] = values[i];
+    rows_[static_cast<size_t>(row)].values = values;
+    rows_[static_cast<size_t>(row)].plain = true;
     emit dataChanged(index(row, OpenColumn), index(row, VolumeColumn));
 }
 

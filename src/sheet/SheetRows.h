@@ -1,7 +1,13 @@
 #pragma once
-// The rows of a data sheet: one row per record, six cells of text (date, open, high, low, close,
-// volume). These texts are the sheet's only copy of its records: the record dialog reads a
-// record's date and values back from them, and a change writes new texts into them.
+// The rows of a data sheet: one row per record, shown in six cells (date, open, high, low, close,
+// volume). These rows are the sheet's only copy of its records. A row keeps the record's date
+// and values and gives them as the texts the user reads: the date text of the store date, the
+// prices in the pattern "####0.00" and the volume as plain number text; a row whose values the
+// user has changed shows all five as plain number text. The record dialog reads a record back
+// from these texts.
+//
+// The texts are made when a cell is asked for, so a long security costs no text at all for the
+// rows that are never shown.
 
 #include <QAbstractTableModel>
 #include <QString>
@@ -10,7 +16,9 @@
 #include <vector>
 
 struct SheetRow {
-    std::array<QString, 6> cells;   // date text, open, high, low, close, volume
+    qint32 date = 0;                 // store date yyyymmdd
+    std::array<double, 5> values{};  // open, high, low, close, volume
+    bool plain = false;              // true once changed by the user: plain number text throughout
 };
 
 class SheetRows : public QAbstractTableModel {
@@ -26,14 +34,14 @@ public:
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 
-    // The text of a cell; empty outside the rows.
+    // The text of a cell as the sheet shows it; empty outside the rows.
     QString cell(int row, int column) const;
     // Removes every row.
     void clear();
     // Adds rows at the end, in one go.
     void append(std::vector<SheetRow>&& rows);
-    // Replaces cells 1 to 5 (open .. volume) of a row.
-    void setValues(int row, const std::array<QString, 5>& values);
+    // Gives a row new values (open .. volume), shown from now on as plain number text.
+    void setValues(int row, const std::array<double, 5>& values);
     void removeAt(int row);
 
 private:

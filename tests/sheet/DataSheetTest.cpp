@@ -5,12 +5,18 @@
 
 #include "frame/CommonRoutines.h"
 #include "sheet/SheetRows.h"
+#include "sheet/ui/frmChange.h"
 #include "sheet/ui/frmView.h"
+#include "store/ui/ReadProgressWindow.h"
 #include "support/Modal.h"
 #include "support/ScriptedPlatform.h"
 #include "support/TestSupport.h"
 
+#include <QDateEdit>
 #include <QFile>
+#include <QLabel>
+#include <QProgressBar>
+#include <QTimer>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableView>
@@ -40,6 +46,14 @@ protected:
         view->show();
         QApplication::processEvents();
         return view;
+    }
+
+    static void whenUp(std::function<void(frmChange*)> action) {
+        onNextModal([action](QWidget* w) {
+            auto dialog = qobject_cast<frmChange*>(w);
+            ASSERT_NE(dialog, nullptr);
+            action(dialog);
+        });
     }
 
     static QStringList row(const frmView& view, int r) {
@@ -200,6 +214,60 @@ TEST_F(DataSheet, CancelAfterTheFirstRecordLeavesOneRowAndNoSelectionAndStaysUsa
     view->Command5->click();
     EXPECT_EQ(view->rows()->rowCount(), 0);
     EXPECT_EQ(readBack(temp.path(), "ABC").size(), 49u);
+}
+
+ReadProgressWindow* visibleProgressWindow() {
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (auto window = qobject_cast<ReadProgressWindow*>(w); window && window->isVisible())
+            return window;
+    return nullptr;
+}
+
+// The store's own progress window: it shows the load, its Cancel stops it, and it goes away.
+TEST_F(DataSheet, ProgressWindowShowsTheLoadAndItsCancelStopsIt) {
+    UseReadProgressWindow();
+    makeSecurity(temp.path(), "ABC", "ABC", series(3000));
+
+    QString caption, message;
+    int maximum = -1, valueAtCancel = -1;
+    QTimer watcher;   // what the user does while the window is up: waits for the bar, then cancels
+    watcher.setInterval(0);
+    QObject::connect(&watcher, &QTimer::timeout, [&] {
+        ReadProgressWindow* window = visibleProgressWindow();
+        if (!window || window->ProgressBar1->value() < 100)
+            return;
+        caption = window->windowTitle();
+        message = window->lblMessage->text();
+        maximum = window->ProgressBar1->maximum();
+        valueAtCancel = window->ProgressBar1->value();
+        window->cmdCancel->click();
+        watcher.stop();
+    });
+    watcher.start();
+    auto view = sheet(temp.path(), "ABC", "ABC");
+
+    EXPECT_EQ(caption, "Read Security data...");
+    EXPECT_EQ(message, "Progress....");
+    EXPECT_EQ(maximum, 3000);
+    const int rowsRead = view->rows()->rowCount();
+    EXPECT_GE(rowsRead, valueAtCancel);
+    EXPECT_LT(rowsRead, 3000);
+    EXPECT_EQ(view->selectedRow(), -1);
+    EXPECT_TRUE(platform.boxes.isEmpty());
+    EXPECT_EQ(visibleProgressWindow(), nullptr);
+
+    // Insert loads again with a fresh window, which runs to the end and goes away by itself.
+    whenUp([](frmChange* dialog) {
+        dialog->DTPicker1->setDate(QDate(1999, 1, 4));
+        for (QLineEdit* box : {dialog->Text2, dialog->Text3, dialog->Text4, dialog->Text5, dialog->Text6})
+            box->setText("1");
+        dialog->Command1->click();
+    });
+    view->Command4->click();
+    EXPECT_EQ(view->rows()->rowCount(), 3001);
+    EXPECT_EQ(view->rows()->cell(0, 0), "04/01/1999");
+    EXPECT_EQ(view->selectedRow(), 3000);
+    EXPECT_EQ(visibleProgressWindow(), nullptr);
 }
 
 TEST_F(DataSheet, TwoSheetsOfOneSecurityStandApart) {

@@ -221,9 +221,7 @@ void frmView::Command6_Click() {
         return;
     }
     // The new values stand as plain number text until the next load.
-    rows_->setValues(row, {Regional::numberText(record.OpenPrice), Regional::numberText(record.High),
-                           Regional::numberText(record.Low), Regional::numberText(record.ClosePrice),
-                           Regional::numberText(record.Volume)});
+    rows_->setValues(row, {record.OpenPrice, record.High, record.Low, record.ClosePrice, record.Volume});
 }
 
 void frmView::Command5_Click() {
