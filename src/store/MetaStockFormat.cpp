@@ -4,6 +4,7 @@
 
 #include <QSet>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -543,13 +544,11 @@ int dataRecordCount(const QByteArray& head, qint64 fileSize, const Layout& layou
     return count;
 }
 
-std::vector<Record> parseData(const QByteArray& bytes, const Layout& layout, const QString& fileName) {
-    const int count = dataRecordCount(bytes, bytes.size(), layout, fileName);
+std::vector<Record> decodeRecords(const QByteArray& bytes, const Layout& layout, int first, int last) {
     const int length = layout.recordLength();
-    std::vector<Record> records(static_cast<size_t>(count));
-    const unsigned char* p = bytesOf(bytes) + length;
-    for (int i = 0; i < count; ++i, p += length) {
-        Record& r = records[size_t(i)];
+    std::vector<Record> records(static_cast<size_t>(std::max(0, last - first)));
+    const unsigned char* p = bytesOf(bytes) + qsizetype(first + 1) * length;
+    for (Record& r : records) {
         const unsigned char* f = p;
         r.date = storeDateFromYyymmdd(mbfToFloat(f));
         f += 4;
@@ -571,8 +570,24 @@ std::vector<Record> parseData(const QByteArray& bytes, const Layout& layout, con
         }
         if (layout.openInterest)
             r.openInterest = mbfToFloat(f);
+        p += length;
     }
     return records;
+}
+
+qint32 recordDate(const QByteArray& bytes, const Layout& layout, int i) {
+    return storeDateFromYyymmdd(mbfAt(bytes, (i + 1) * layout.recordLength()));
+}
+
+qint32 recordTime(const QByteArray& bytes, const Layout& layout, int i) {
+    return layout.time ? qint32(std::lround(mbfAt(bytes, (i + 1) * layout.recordLength() + 4))) : 0;
+}
+
+void setDataCount(QByteArray& bytes, int count) { putU16(bytes, 2, quint16(count + 1)); }
+
+std::vector<Record> parseData(const QByteArray& bytes, const Layout& layout, const QString& fileName) {
+    const int count = dataRecordCount(bytes, bytes.size(), layout, fileName);
+    return decodeRecords(bytes, layout, 0, count);
 }
 
 QByteArray dataHeader(int count, const Layout& layout) {

@@ -104,6 +104,13 @@ QByteArray newXmasterRecord(const Security& security);
 // The records of a data file in file order. Bytes past the header's count are ignored (a write
 // cut short leaves them); a count beyond the file's size is a failure.
 std::vector<Record> parseData(const QByteArray& bytes, const Layout& layout, const QString& fileName);
+// Records first..last-1 of a data file whose count has been checked.
+std::vector<Record> decodeRecords(const QByteArray& bytes, const Layout& layout, int first, int last);
+// Date and time of record i alone.
+qint32 recordDate(const QByteArray& bytes, const Layout& layout, int i);
+qint32 recordTime(const QByteArray& bytes, const Layout& layout, int i);
+// Sets the header's record count of a data file in memory.
+void setDataCount(QByteArray& bytes, int count);
 // The header's record count of a data file, checked against its size.
 int dataRecordCount(const QByteArray& head, qint64 fileSize, const Layout& layout, const QString& fileName);
 // A whole data file: header and records.

@@ -52,8 +52,9 @@ struct SecurityWriter::Impl {
     int selected = -1;
     Layout layout;
     DataSummary disk;                 // the data file as it is on disk
-    bool loaded = false;              // `records` holds the file's records
-    std::vector<Record> records;
+    bool loaded = false;              // `raw` and `dates` hold the file
+    QByteArray raw;                   // header and counted records, as on disk
+    std::vector<qint32> dates;        // the date of each record of `raw`
     std::map<qint32, std::optional<Record>> pending;  // date -> record to put, or none to remove
     qint32 seedDate = 0;              // first date added since the security was selected
 
@@ -76,27 +77,63 @@ struct SecurityWriter::Impl {
         selected = i;
         layout = l;
         disk = sum;
-        loaded = false;
-        records.clear();
+        unload();
         pending.clear();
         seedDate = 0;
     }
+    void unload() {
+        loaded = false;
+        raw.clear();
+        dates.clear();
+        dates.shrink_to_fit();
+    }
     void deselect() {
         selected = -1;
-        loaded = false;
-        records.clear();
-        records.shrink_to_fit();
+        unload();
         pending.clear();
         seedDate = 0;
     }
 
+    // Reads the file once; later changes keep `raw` and `dates` as the disk has them.
     void load() {
         if (loaded)
             return;
         const Security& s = folder->index.securities[size_t(selected)];
-        records = readRecords(dataPath(), layout, s.dataFileName());
-        disk = summaryOf(records, layout.time);
+        const QString path = dataPath();
+        if (!StoreFiles::stamp(path).exists())
+            refuse(QStringLiteral("The data file %1 is missing.").arg(s.dataFileName()), "OpenSecurity");
+        QByteArray bytes = StoreFiles::readAll(path);
+        const int count = dataRecordCount(bytes, bytes.size(), layout, s.dataFileName());
+        bytes.truncate(qsizetype(count + 1) * layout.recordLength());
+        std::vector<qint32> ds(static_cast<size_t>(count));
+        DataSummary sum;
+        sum.count = count;
+        for (int k = 0; k < count; ++k) {
+            ds[size_t(k)] = recordDate(bytes, layout, k);
+            if (k == 0) {
+                sum.firstDate = sum.lastDate = ds[0];
+                continue;
+            }
+            sum.firstDate = std::min(sum.firstDate, ds[size_t(k)]);
+            sum.lastDate = std::max(sum.lastDate, ds[size_t(k)]);
+            const qint32 d = ds[size_t(k)], p = ds[size_t(k - 1)];
+            const bool after = layout.time ? (d > p || (d == p && recordTime(bytes, layout, k) > recordTime(bytes, layout, k - 1)))
+                                           : d > p;
+            if (!after)
+                sum.ordered = false;
+        }
+        raw = std::move(bytes);
+        dates = std::move(ds);
+        disk = sum;
         loaded = true;
+    }
+
+    void keep(QByteArray bytes, std::vector<qint32> newDates, const DataSummary& sum) {
+        raw = std::move(bytes);
+        dates = std::move(newDates);
+        disk = sum;
+        loaded = true;
+        rememberSummary(dataPath(), layout, disk);
     }
 
     bool dateOnDisk(qint32 date) {
@@ -106,9 +143,8 @@ struct SecurityWriter::Impl {
             return false;
         load();
         if (disk.ordered && !layout.time)
-            return std::binary_search(records.begin(), records.end(), Record{date},
-                                      [](const Record& a, const Record& b) { return a.date < b.date; });
-        return std::any_of(records.begin(), records.end(), [&](const Record& r) { return r.date == date; });
+            return std::binary_search(dates.begin(), dates.end(), date);
+        return std::find(dates.begin(), dates.end(), date) != dates.end();
     }
 
     bool dateExists(qint32 date) {
@@ -118,15 +154,18 @@ struct SecurityWriter::Impl {
         return dateOnDisk(date);
     }
 
-    // Puts the pending records and removals on disk: appended when they all come after the last
-    // record of an ordered file, else the file is rewritten whole (oldest first, one record a date).
+    // Puts the pending records and removals on disk. Records that all come after the last one of
+    // an ordered file are appended; otherwise the file is rewritten through a temporary file:
+    // from the first date touched on when it is in order, whole (sorted, one record a date) when not.
     void flush() {
         if (pending.empty() || selected < 0)
             return;
         const bool onlyAdds = std::all_of(pending.begin(), pending.end(), [](const auto& p) { return p.second.has_value(); });
-        if (onlyAdds && disk.ordered && (disk.count == 0 || pending.begin()->first > disk.lastDate)) {
+        if (onlyAdds && disk.ordered && (disk.count == 0 || pending.begin()->first > disk.lastDate))
             append();
-        } else {
+        else if (disk.ordered && !layout.time)
+            rewriteTail();
+        else
             rewrite([&](std::vector<Record>& recs) {
                 bool changed = false;
                 for (const auto& [date, record] : pending) {
@@ -140,9 +179,13 @@ struct SecurityWriter::Impl {
                 }
                 return changed;
             });
-        }
         pending.clear();
         noteDates();
+    }
+
+    void checkCount(qint64 count) const {
+        if (count > MaxRecords)
+            refuse(QStringLiteral("A security holds at most %1 records.").arg(MaxRecords), "SaveQuotes");
     }
 
     void append() {
@@ -151,27 +194,73 @@ struct SecurityWriter::Impl {
         for (const auto& p : pending)
             added.push_back(*p.second);
         const int count = disk.count + int(added.size());
-        if (count > MaxRecords)
-            refuse(QStringLiteral("A security holds at most %1 records.").arg(MaxRecords), "SaveQuotes");
+        checkCount(count);
         const QString path = dataPath();
         const qint64 length = layout.recordLength();
-        StoreFiles::writeParts(path, {{(disk.count + 1) * length, encodeRecords(added, layout)},
-                                      {2, dataHeader(count, layout).mid(2, 2)}});
+        const QByteArray bytes = encodeRecords(added, layout);
+        StoreFiles::writeParts(path, {{(disk.count + 1) * length, bytes}, {2, dataHeader(count, layout).mid(2, 2)}});
         if (disk.count == 0)
             disk.firstDate = added.front().date;
         disk.lastDate = added.back().date;
         disk.count = count;
         rememberSummary(path, layout, disk);
-        if (loaded)
-            records.insert(records.end(), added.begin(), added.end());
+        if (loaded) {
+            raw += bytes;
+            setDataCount(raw, count);
+            for (const Record& r : added)
+                dates.push_back(r.date);
+        }
     }
 
-    // Applies `edit` to the records, puts them in order with one record a date, and rewrites
+    // An ordered daily file: the records before the first pending date stay as they lie, the rest
+    // is merged with the pending changes.
+    void rewriteTail() {
+        load();
+        const qint32 from = pending.begin()->first;
+        const int kept = int(std::lower_bound(dates.begin(), dates.end(), from) - dates.begin());
+        const std::vector<Record> old = decodeRecords(raw, layout, kept, disk.count);
+        std::vector<Record> merged;
+        merged.reserve(old.size() + pending.size());
+        bool changed = false;
+        auto o = old.begin();
+        for (const auto& [date, record] : pending) {
+            while (o != old.end() && o->date < date)
+                merged.push_back(*o++);
+            if (o != old.end() && o->date == date) {
+                ++o;
+                changed = true;
+            }
+            if (record) {
+                merged.push_back(*record);
+                changed = true;
+            }
+        }
+        merged.insert(merged.end(), o, old.end());
+        if (!changed)
+            return;
+        const int count = kept + int(merged.size());
+        checkCount(count);
+        QByteArray bytes = raw.left(qsizetype(kept + 1) * layout.recordLength()) + encodeRecords(merged, layout);
+        setDataCount(bytes, count);
+        StoreFiles::replaceFile(dataPath(), bytes);
+        std::vector<qint32> newDates(dates.begin(), dates.begin() + kept);
+        for (const Record& r : merged)
+            newDates.push_back(r.date);
+        DataSummary sum;
+        sum.count = count;
+        if (count > 0) {
+            sum.firstDate = newDates.front();
+            sum.lastDate = newDates.back();
+        }
+        keep(std::move(bytes), std::move(newDates), sum);
+    }
+
+    // Applies `edit` to all records, puts them in order with one record a date, and rewrites
     // the file when anything changed. `edit` says whether it changed anything.
     template <typename Edit>
     void rewrite(Edit edit) {
         load();
-        std::vector<Record> recs = records;
+        std::vector<Record> recs = decodeRecords(raw, layout, 0, disk.count);
         bool changed = !disk.ordered;
         if (!disk.ordered)
             normalise(recs);
@@ -179,13 +268,14 @@ struct SecurityWriter::Impl {
         if (!changed)
             return;
         normalise(recs);
-        if (int(recs.size()) > MaxRecords)
-            refuse(QStringLiteral("A security holds at most %1 records.").arg(MaxRecords), "SaveQuotes");
-        const QString path = dataPath();
-        StoreFiles::replaceFile(path, buildData(recs, layout));
-        records = std::move(recs);
-        disk = summaryOf(records, layout.time);
-        rememberSummary(path, layout, disk);
+        checkCount(qint64(recs.size()));
+        QByteArray bytes = buildData(recs, layout);
+        StoreFiles::replaceFile(dataPath(), bytes);
+        std::vector<qint32> newDates;
+        newDates.reserve(recs.size());
+        for (const Record& r : recs)
+            newDates.push_back(r.date);
+        keep(std::move(bytes), std::move(newDates), summaryOf(recs, layout.time));
     }
 
     // Oldest first; of two records of one date (and time) the later in the list stays.
@@ -311,10 +401,12 @@ void SecurityWriter::CreateSecurity(const QString& symbol, const QString& name, 
     auto at = extended ? list.end() : std::find_if(list.begin(), list.end(), [](const Security& x) { return x.extended; });
     const int position = int(at - list.begin());
     list.insert(at, std::move(s));
+    d->folder->securitiesChanged();
     try {
         d->folder->saveIndex();
     } catch (...) {
         list.erase(list.begin() + position);
+        d->folder->securitiesChanged();
         throw;
     }
     d->select(position);
@@ -370,10 +462,12 @@ void SecurityWriter::DeleteSecurity(const QString& symbol) {
     auto& list = d->folder->index.securities;
     const Security gone = list[size_t(i)];
     list.erase(list.begin() + i);
+    d->folder->securitiesChanged();
     try {
         d->folder->saveIndex();
     } catch (...) {
         list.insert(list.begin() + i, gone);
+        d->folder->securitiesChanged();
         throw;
     }
     const QString path = d->folder->dataPath(gone);
@@ -426,10 +520,12 @@ void SecurityWriter::ChangeSecurity(const QString& oldSymbol, const QString& nam
     const Security was = s;
     s.symbol = sym;
     s.name = name.trimmed().isEmpty() ? sym : name.trimmed().left(MaxNameLength);
+    d->folder->securitiesChanged();
     try {
         d->folder->saveIndex();
     } catch (...) {
         d->folder->index.securities[size_t(i)] = was;
+        d->folder->securitiesChanged();
         throw;
     }
 }

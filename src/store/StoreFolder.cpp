@@ -82,6 +82,7 @@ void Folder::noteFile(const QString& name) {
 void Folder::forgetFile(const QString& name) { names_.remove(name.toUpper()); }
 
 void Folder::saveIndex() {
+    securitiesChanged();
     const bool anyExtended = index.extendedCount() > 0;
     if (anyExtended && index.foreignXmaster)
         throw Failure(FailureNumber::Store,
@@ -140,15 +141,19 @@ void Folder::saveIndex() {
 }
 
 int Folder::findBySymbol(const QString& symbol) const {
+    if (!symbolsKnown_) {
+        symbols_.clear();
+        upperSymbols_.clear();
+        for (size_t i = 0; i < index.securities.size(); ++i) {
+            const QString key = index.securities[i].key();
+            symbols_.insert(key, symbols_.value(key, int(i)));
+            upperSymbols_.insert(key.toUpper(), upperSymbols_.value(key.toUpper(), int(i)));
+        }
+        symbolsKnown_ = true;
+    }
     const QString wanted = symbol.trimmed();
-    const auto& list = index.securities;
-    for (size_t i = 0; i < list.size(); ++i)
-        if (list[i].key() == wanted)
-            return int(i);
-    for (size_t i = 0; i < list.size(); ++i)
-        if (list[i].key().compare(wanted, Qt::CaseInsensitive) == 0)
-            return int(i);
-    return -1;
+    const int exact = symbols_.value(wanted, -1);
+    return exact >= 0 ? exact : upperSymbols_.value(wanted.toUpper(), -1);
 }
 
 int Folder::findByName(const QString& name) const {

@@ -41,6 +41,8 @@ public:
 
     // -1 when none. Exact match first, then one without regard to case.
     int findBySymbol(const QString& symbol) const;
+    // To be called whenever the list of securities or a symbol changed.
+    void securitiesChanged() { symbolsKnown_ = false; }
     int findByName(const QString& name) const;
 
     // A file number for a new security, and whether it goes to XMASTER. Raises Failure when the
@@ -49,6 +51,9 @@ public:
 
 private:
     QHash<QString, QString> names_;  // upper-case name -> name on disk
+    mutable bool symbolsKnown_ = false;
+    mutable QHash<QString, int> symbols_;       // symbol -> first security of it
+    mutable QHash<QString, int> upperSymbols_;  // upper-case symbol -> first security of it
 };
 
 // The summary of a data file, from a cache that is checked against the file's size and time.
