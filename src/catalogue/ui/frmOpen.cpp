@@ -148,13 +148,16 @@ void frmOpen::Form_Resize() {
 bool frmOpen::eventFilter(QObject* watched, QEvent* event) {
     if (watched == Text2 && event->type() == QEvent::KeyPress) {
         const int key = keyAscii(static_cast<QKeyEvent*>(event));
-        Text2_KeyPress(key);
+        if (key != 0)
+            Text2_KeyPress(key);
         if (key == EnterKey)
             return true;   // Enter is taken: it must not reach a button of the dialog
     } else if (watched == ListView1 && event->type() == QEvent::KeyPress) {
-        // The handler sees the row selected before the key moves the selection.
+        // A key that types a character (Enter included; arrows and the like are no key presses)
+        // reaches the handler before the list moves its selection for it.
         const int key = keyAscii(static_cast<QKeyEvent*>(event));
-        ListView1_KeyPress(key);
+        if (key != 0)
+            ListView1_KeyPress(key);
         if (key == EnterKey)
             return true;
     } else if (watched == ListView1->viewport()) {
