@@ -236,7 +236,25 @@ DataSummary summarize(const QString& path, const Layout& layout, const QString& 
     if (it != cache().constEnd() && it->stamp == now && it->recordLength == layout.recordLength() &&
         it->intraday == layout.time)
         return it->summary;
-    const DataSummary s = summaryOf(readRecords(path, layout, fileName), layout.time);
+    // Dates (and times) alone: a list of a big folder asks this of every security.
+    const QByteArray bytes = StoreFiles::readAll(path);
+    DataSummary s;
+    s.count = dataRecordCount(bytes, bytes.size(), layout, fileName);
+    qint32 previousDate = 0, previousTime = 0;
+    for (int i = 0; i < s.count; ++i) {
+        const qint32 date = recordDate(bytes, layout, i);
+        const qint32 time = recordTime(bytes, layout, i);
+        if (i == 0) {
+            s.firstDate = s.lastDate = date;
+        } else {
+            s.firstDate = std::min(s.firstDate, date);
+            s.lastDate = std::max(s.lastDate, date);
+            if (!(date > previousDate || (layout.time && date == previousDate && time > previousTime)))
+                s.ordered = false;
+        }
+        previousDate = date;
+        previousTime = time;
+    }
     cache().insert(path, CachedSummary{now, layout.recordLength(), layout.time, s});
     return s;
 }
