@@ -6,6 +6,7 @@
 #include "catalogue/ui/frmOpen.h"
 #include "frame/CommonRoutines.h"
 #include "frame/Module1.h"
+#include "frame/ui/ChildWindows.h"
 #include "sheet/SheetRows.h"
 #include "sheet/ui/frmView.h"
 #include "support/Modal.h"
@@ -14,6 +15,8 @@
 
 #include <QGroupBox>
 #include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QPushButton>
 #include <QTableView>
 #include <QTest>
@@ -270,6 +273,30 @@ TEST_F(OpenSecurity, TwoOpeningsOfOneSecurityGiveTwoSheets) {
         EXPECT_EQ(sheet->windowTitle(), "DataSheet of Beta Foods");
         EXPECT_EQ(sheet->rows()->rowCount(), 5);
     }
+}
+
+TEST_F(OpenSecurity, SheetsStandSideBySideInTheMainWindowAndCloseAlone) {
+    QMdiArea area;
+    SetChildWindowArea(&area);
+    area.show();
+    for (int row : {0, 1, 0}) {
+        auto dialog = shown();
+        clickRow(*dialog, row);
+        dialog->Command1->click();
+    }
+    QStringList titles;
+    for (QMdiSubWindow* sub : area.subWindowList())
+        titles << sub->windowTitle();
+    EXPECT_EQ(titles, (QStringList{"DataSheet of Alpha Mining", "DataSheet of Beta Foods",
+                                   "DataSheet of Alpha Mining"}));
+
+    auto sheet = qobject_cast<frmView*>(area.subWindowList().at(1)->widget());
+    ASSERT_NE(sheet, nullptr);
+    sheet->Command1->click();   // "Close" takes its sub-window away, no question asked
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(area.subWindowList().size(), 2);
+    EXPECT_TRUE(platform.boxes.isEmpty());
+    SetChildWindowArea(nullptr);
 }
 
 TEST_F(OpenSecurity, CancelOpensNothing) {

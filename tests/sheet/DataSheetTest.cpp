@@ -13,7 +13,6 @@
 #include "support/TestSupport.h"
 
 #include <QDateEdit>
-#include <QFile>
 #include <QLabel>
 #include <QProgressBar>
 #include <QTimer>
@@ -286,33 +285,20 @@ TEST_F(DataSheet, TwoSheetsOfOneSecurityStandApart) {
     EXPECT_TRUE(second->isVisible());
 }
 
-// Periodicity codes other than daily: the store keeps the code in the index record of the
-// security; the test writes it there on its own copy of the folder.
-void setPeriodicity(const QString& folder, char code) {
-    for (const char* index : {"MASTER", "EMASTER"}) {
-        QFile file(QDir(folder).filePath(index));
-        if (!file.exists())
-            continue;
-        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-        const qint64 at = QLatin1StringView(index) == "MASTER" ? 53 + 33 : 192 + 60;
-        file.seek(at);
-        file.write(&code, 1);
-    }
-}
-
 TEST_F(DataSheet, PeriodicityBoxForEachCode) {
-    struct Case { char code; const char* shown; } cases[] = {{'D', "Daily"}, {'W', "Weekly"}, {'M', "Monthly"}};
+    struct Case { qint32 code; const char* shown; } cases[] = {
+        {1, "Daily"}, {2, "Weekly"}, {3, "Monthly"}, {4, "4"}, {5, "5"}};
     for (const Case& c : cases) {
         TempFolder folder;
-        makeSecurity(folder.path(), "PER", "PER", series(3));
-        setPeriodicity(folder.path(), c.code);
+        makeSecurity(folder.path(), "PER", "PER", series(3), c.code);
         auto view = sheet(folder.path(), "PER", "PER");
         EXPECT_EQ(view->Text5->text(), c.shown) << c.code;
-        EXPECT_EQ(view->rows()->rowCount(), 3);
+        EXPECT_EQ(view->rows()->rowCount(), 3) << "the records are listed as they are, whatever the code";
     }
 }
 
-TEST_F(DataSheet, AnotherPeriodicityShowsItsDigits) {
+// An intraday security written by another tool shows its code's digits and its records.
+TEST_F(DataSheet, IntradayFolderOfAnotherToolShowsItsCodeAndRecords) {
     REQUIRE_FIXTURE("intraday");
     ASSERT_TRUE(copyFixture("intraday", temp.path()));
     SecurityReader reader;

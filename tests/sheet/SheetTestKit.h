@@ -36,10 +36,10 @@ inline std::ostream& operator<<(std::ostream& out, const Rec& r) {
 
 // Adds a security with these records to `folder` (made a store when it is none yet).
 inline void makeSecurity(const QString& folder, const QString& symbol, const QString& name,
-                         const std::vector<Rec>& records) {
+                         const std::vector<Rec>& records, qint32 periodicity = 1) {
     SecurityWriter writer;
     writer.OpenFolder(folder);
-    writer.CreateSecurity(symbol, name, 1);
+    writer.CreateSecurity(symbol, name, periodicity);
     for (const Rec& r : records)
         writer.AddQuote(r.date, 0, r.open, r.high, r.low, r.close, r.volume, 0.0);
     writer.SaveQuotes();
