@@ -200,9 +200,14 @@ void frmView::Command6_Click() {
     if (row < 0)
         return;
 
+    // The record is known by the date its row shows; a date text that can't be read back
+    // can't name a record, and nothing is done.
+    const auto date = Regional::readDate(rows_->cell(row, SheetRows::DateColumn).trimmed());
+    if (!date)
+        return;
+
     frmChange dialog(this);
-    if (const auto date = Regional::readDate(rows_->cell(row, SheetRows::DateColumn).trimmed()))
-        dialog.DTPicker1->setDate(*date);
+    dialog.DTPicker1->setDate(*date);
     QLineEdit* const boxes[] = {dialog.Text2, dialog.Text3, dialog.Text4, dialog.Text5, dialog.Text6};
     for (int i = 0; i < 5; ++i)
         boxes[i]->setText(rows_->cell(row, SheetRows::OpenColumn + i).trimmed());
