@@ -78,6 +78,7 @@ Stamp stamp(const QString& path) {
     if (::stat(QFile::encodeName(path).constData(), &sb) != 0 || !S_ISREG(sb.st_mode))
         return st;
     st.size = sb.st_size;
+    st.inode = quint64(sb.st_ino);
 #ifdef Q_OS_LINUX
     st.modified = qint64(sb.st_mtim.tv_sec) * 1000000000 + sb.st_mtim.tv_nsec;
 #else

@@ -16,6 +16,7 @@ namespace StoreFiles {
 struct Stamp {
     qint64 size = -1;  // -1: no such file
     qint64 modified = 0;
+    quint64 inode = 0;  // a file replaced through a rename is another file
     bool exists() const { return size >= 0; }
     bool operator==(const Stamp&) const = default;
 };
