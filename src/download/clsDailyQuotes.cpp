@@ -19,16 +19,16 @@ QString traceOverride;
 
 constexpr int Stride = 7;   // Date, Open, High, Low, Close, Volume, and a seventh column
 
-double toDouble(QStringView field) {
-    const auto value = Regional::readNumber(field.toString());
+double toDouble(const Regional::NumberReader& numbers, QStringView field) {
+    const auto value = numbers.read(field);
     if (!value)
         throw Failure(13, QStringLiteral("Type mismatch"), QStringLiteral("clsDailyQuotes"));
     return *value;
 }
 
 // Text to a signed 32-bit whole number, half to even; out of range is a failure.
-qint32 toVolume(QStringView field) {
-    const double rounded = std::nearbyint(toDouble(field));
+qint32 toVolume(const Regional::NumberReader& numbers, QStringView field) {
+    const double rounded = std::nearbyint(toDouble(numbers, field));
     if (rounded < std::numeric_limits<qint32>::min() || rounded > std::numeric_limits<qint32>::max())
         throw Failure(6, QStringLiteral("Overflow"), QStringLiteral("clsDailyQuotes"));
     return static_cast<qint32>(rounded);
@@ -83,21 +83,22 @@ qint16 clsDailyQuotes::ReadTable(const QString& normalised) {
 
     auto& quotes = Module1::Quotes;
     quotes.clear();
+    const Regional::NumberReader numbers;
     try {
         int row = 0;
         for (qsizetype i = Stride; i <= last - Stride; i += Stride) {
             ++row;
-            const auto high = Regional::readNumber(fields[i + 2].toString());
+            const auto high = numbers.read(fields[i + 2]);
             if (!high)
                 continue;   // a High that is no number: the row doesn't count, its index stays empty
             quotes.resizeTo(row);
             QuoteRecord& record = quotes[row];
             record.Dat = fields[i].toString();
-            record.OpenPrice = toDouble(fields[i + 1]);
+            record.OpenPrice = toDouble(numbers, fields[i + 1]);
             record.High = *high;
-            record.Low = toDouble(fields[i + 3]);
-            record.ClosePrice = toDouble(fields[i + 4]);
-            record.Volume = toVolume(fields[i + 5]);
+            record.Low = toDouble(numbers, fields[i + 3]);
+            record.ClosePrice = toDouble(numbers, fields[i + 4]);
+            record.Volume = toVolume(numbers, fields[i + 5]);
         }
     } catch (const Failure&) {
         return 2;

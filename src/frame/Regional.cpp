@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 #include <QStringList>
 
+#include <charconv>
 #include <cmath>
 
 namespace Regional {
@@ -260,12 +261,68 @@ std::optional<QDate> readDate(const QString& input) {
     return readByFields(text);
 }
 
-std::optional<double> readNumber(const QString& input) {
-    const QString text = input.trimmed();
+namespace {
+
+enum class Plain { Number, NotANumber, NotPlain };
+
+// The common case, read fast: an optional sign, digits and at most one decimal separator of the
+// locale. Anything else (group separators, exponents, other signs) is left to QLocale.
+Plain readPlainNumber(QStringView text, QChar decimal, double& value) {
+    char buffer[80];
+    size_t length = 0;
+    bool digits = false, point = false;
+    if (text.size() > 64)
+        return Plain::NotPlain;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text[i];
+        if (c >= u'0' && c <= u'9') {
+            buffer[length++] = static_cast<char>(c.unicode());
+            digits = true;
+        } else if (c == decimal && !point) {
+            buffer[length++] = '.';
+            point = true;
+        } else if (i == 0 && (c == u'-' || c == u'+')) {
+            if (c == u'-')
+                buffer[length++] = '-';
+        } else {
+            return Plain::NotPlain;
+        }
+    }
+    if (!digits)
+        return Plain::NotANumber;
+    const auto [end, error] = std::from_chars(buffer, buffer + length, value);
+    if (error != std::errc() || end != buffer + length)
+        return Plain::NotPlain;
+    return Plain::Number;
+}
+
+} // namespace
+
+std::optional<double> readNumber(const QString& input) { return readNumber(QStringView(input)); }
+
+std::optional<double> readNumber(QStringView input) { return NumberReader().read(input); }
+
+NumberReader::NumberReader() : locale_(new QLocale) {
+    const QString decimal = locale_->decimalPoint();
+    decimal_ = decimal.size() == 1 ? decimal.at(0) : QChar();
+}
+
+NumberReader::~NumberReader() = default;
+
+std::optional<double> NumberReader::read(QStringView input) const {
+    const QStringView text = input.trimmed();
     if (text.isEmpty())
         return std::nullopt;
+    double value = 0;
+    if (!decimal_.isNull()) {
+        switch (readPlainNumber(text, decimal_, value)) {
+        case Plain::Number: return value;
+        case Plain::NotANumber: return std::nullopt;
+        case Plain::NotPlain: break;
+        }
+    }
     bool ok = false;
-    const double value = QLocale().toDouble(text, &ok);
+    value = locale_->toDouble(text, &ok);   // group separators, exponents
     if (!ok || !std::isfinite(value))
         return std::nullopt;
     return value;

@@ -6,6 +6,9 @@
 #include <QDate>
 #include <QString>
 
+class QLocale;
+
+#include <memory>
 #include <optional>
 
 namespace Regional {
@@ -35,6 +38,21 @@ std::optional<QDate> readDate(const QString& text);
 // Reads a number as a user types it under the locale (decimal separator, optional group
 // separators, sign). Empty when the text is no finite number.
 std::optional<double> readNumber(const QString& text);
+std::optional<double> readNumber(QStringView text);
+
+// Reads many numbers under the locale of the moment it was made (the walk over a long reply).
+class NumberReader {
+public:
+    NumberReader();
+    ~NumberReader();
+    NumberReader(const NumberReader&) = delete;
+    NumberReader& operator=(const NumberReader&) = delete;
+    std::optional<double> read(QStringView text) const;
+
+private:
+    std::unique_ptr<QLocale> locale_;
+    QChar decimal_;
+};
 
 // Plain number text: the locale's decimal separator, no group separator, at most 15 significant
 // digits, no trailing zeros ("12.5", "12,5", "1500000").

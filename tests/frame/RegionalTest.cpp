@@ -189,6 +189,12 @@ INSTANTIATE_TEST_SUITE_P(Locales, ReadNumberTable, ::testing::Values(
     NumberCase{"en_GB", "abc", std::nullopt},
     NumberCase{"en_GB", "12.5.1", std::nullopt},
     NumberCase{"en_GB", "1e999", std::nullopt},
+    NumberCase{"en_GB", "+5", 5.0},
+    NumberCase{"en_GB", "-", std::nullopt},
+    NumberCase{"en_GB", ".", std::nullopt},
+    NumberCase{"en_GB", "1e3", 1000.0},
+    NumberCase{"en_GB", "98765.4321", 98765.4321},
+    NumberCase{"en_GB", "12,5", std::nullopt},   // a misplaced group separator
     NumberCase{"de_DE", "12,5", 12.5},
     NumberCase{"de_DE", "1.234,5", 1234.5},
     NumberCase{"de_DE", "-0,75", -0.75},
