@@ -382,8 +382,9 @@ TEST(frmAbout, IsCentredOnTheScreenWhenItLoads) {
     frmAbout about;
     about.show();
     const QRect screen = about.screen()->geometry();
-    EXPECT_NEAR(about.x(), screen.x() + (screen.width() - about.width()) / 2, 1);
-    EXPECT_NEAR(about.y(), screen.y() + (screen.height() - about.height()) / 2, 1);
+    const QRect frame = about.frameGeometry();   // the window measured with its frame
+    EXPECT_NEAR(frame.x(), screen.x() + (screen.width() - frame.width()) / 2, 1);
+    EXPECT_NEAR(frame.y(), screen.y() + (screen.height() - frame.height()) / 2, 1);
 }
 
 TEST(MDIMain, AboutEntryShowsTheBoxModally) {

@@ -9,6 +9,7 @@
 #include "frame/Platform.h"
 #include "frame/Regional.h"
 #include "frame/WebLinks.h"
+#include "frame/ui/Centring.h"
 #include "store/SecurityWriter.h"
 
 #include <QGridLayout>
@@ -176,12 +177,7 @@ void frmCreateNewSymbols::cmdCreateSymbols_Click() {
 void frmCreateNewSymbols::cmdClose_Click() { reject(); }
 
 void frmCreateNewSymbols::Form_Resize() {
-    const QScreen* screen = this->screen() ? this->screen() : QGuiApplication::primaryScreen();
-    if (!screen)
-        return;
-    const QRect area = screen->geometry();
-    const QSize size = frameGeometry().size();
-    move(area.x() + (area.width() - size.width()) / 2, area.y() + (area.height() - size.height()) / 2);
+    CentreOnScreen(this);
 }
 
 void frmCreateNewSymbols::resizeEvent(QResizeEvent* event) {

@@ -1,6 +1,7 @@
 #include "catalogue/ui/frmNewSymbol.h"
 
 #include "frame/Module1.h"
+#include "frame/ui/Centring.h"
 
 #include <QGridLayout>
 #include <QGuiApplication>
@@ -48,12 +49,7 @@ void frmNewSymbol::Command1_Click() {
 void frmNewSymbol::Command2_Click() { reject(); }
 
 void frmNewSymbol::Form_Resize() {
-    const QScreen* screen = this->screen() ? this->screen() : QGuiApplication::primaryScreen();
-    if (!screen)
-        return;
-    const QRect area = screen->geometry();
-    const QSize size = frameGeometry().size();
-    move(area.x() + (area.width() - size.width()) / 2, area.y() + (area.height() - size.height()) / 2);
+    CentreOnScreen(this);
 }
 
 void frmNewSymbol::resizeEvent(QResizeEvent* event) {

@@ -4,6 +4,7 @@
 #include "frame/Failure.h"
 #include "frame/Module1.h"
 #include "frame/Platform.h"
+#include "frame/ui/Centring.h"
 #include "frame/ui/ChildWindows.h"
 #include "sheet/ui/frmView.h"
 #include "store/SecurityReader.h"
@@ -137,12 +138,7 @@ void frmOpen::resizeEvent(QResizeEvent* event) {
 }
 
 void frmOpen::Form_Resize() {
-    const QScreen* screen = QGuiApplication::primaryScreen();
-    if (!screen)
-        return;
-    const QRect area = screen->geometry();
-    const QRect frame = frameGeometry();
-    move(area.x() + (area.width() - frame.width()) / 2, area.y() + (area.height() - frame.height()) / 2);
+    CentreOnScreen(this);
 }
 
 bool frmOpen::eventFilter(QObject* watched, QEvent* event) {

@@ -2,6 +2,7 @@
 
 #include "frame/Module1.h"
 #include "frame/WebLinks.h"
+#include "frame/ui/Centring.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>
@@ -158,12 +159,7 @@ void frmSymbolLookup::Command1_Click() {
 void frmSymbolLookup::Command2_Click() { reject(); }
 
 void frmSymbolLookup::Form_Resize() {
-    const QScreen* screen = this->screen() ? this->screen() : QGuiApplication::primaryScreen();
-    if (!screen)
-        return;
-    const QRect area = screen->geometry();
-    const QSize size = frameGeometry().size();
-    move(area.x() + (area.width() - size.width()) / 2, area.y() + (area.height() - size.height()) / 2);
+    CentreOnScreen(this);
 }
 
 void frmSymbolLookup::resizeEvent(QResizeEvent* event) {

@@ -7,6 +7,7 @@
 #include "frame/Module1.h"
 #include "frame/Platform.h"
 #include "frame/Regional.h"
+#include "frame/ui/Centring.h"
 #include "store/SecurityReader.h"
 
 #include <QApplication>
@@ -127,11 +128,7 @@ frmDownload::frmDownload(QWidget* parent) : QDialog(parent) {
 frmDownload::~frmDownload() = default;
 
 void frmDownload::centre() {
-    const QScreen* screen = this->screen() ? this->screen() : QGuiApplication::primaryScreen();
-    if (!screen)
-        return;
-    const QRect area = screen->geometry();
-    move(area.x() + (area.width() - width()) / 2, area.y() + (area.height() - height()) / 2);
+    CentreOnScreen(this);
 }
 
 void frmDownload::resizeEvent(QResizeEvent* event) {

@@ -3,6 +3,7 @@
 #include "frame/Failure.h"
 #include "frame/Module1.h"
 #include "frame/Platform.h"
+#include "frame/ui/Centring.h"
 
 #include <QCloseEvent>
 #include <QGridLayout>
@@ -85,11 +86,7 @@ frmDownloadProgress::frmDownloadProgress(QWidget* parent)
 frmDownloadProgress::~frmDownloadProgress() = default;
 
 void frmDownloadProgress::centre() {
-    const QScreen* screen = this->screen() ? this->screen() : QGuiApplication::primaryScreen();
-    if (!screen)
-        return;
-    const QRect area = screen->geometry();
-    move(area.x() + (area.width() - width()) / 2, area.y() + (area.height() - height()) / 2);
+    CentreOnScreen(this);
 }
 
 void frmDownloadProgress::resizeEvent(QResizeEvent* event) {

@@ -2,6 +2,7 @@
 
 #include "frame/Platform.h"
 #include "frame/WebLinks.h"
+#include "frame/ui/Centring.h"
 #include "frame/ui/ProgramIcon.h"
 
 #include <QFrame>
@@ -81,10 +82,7 @@ frmAbout::frmAbout(QWidget* parent) : QDialog(parent) {
 
 void frmAbout::Form_Load() {
     // Centred on the screen once, when the box loads.
-    if (const QScreen* s = screen()) {
-        const QRect area = s->geometry();
-        move(area.x() + (area.width() - width()) / 2, area.y() + (area.height() - height()) / 2);
-    }
+    CentreOnScreen(this);
 }
 
 void frmAbout::Command1_Click() { accept(); }

@@ -2,6 +2,7 @@
 
 #include "frame/Platform.h"
 #include "frame/Regional.h"
+#include "frame/ui/Centring.h"
 
 #include <QDateEdit>
 #include <QGuiApplication>
@@ -80,11 +81,7 @@ frmChange::frmChange(QWidget* parent) : QDialog(parent) {
 
 void frmChange::centreOnScreen() {
     adjustSize();
-    const QScreen* screen = QGuiApplication::primaryScreen();
-    if (!screen)
-        return;
-    const QRect area = screen->geometry();
-    move(area.x() + (area.width() - width()) / 2, area.y() + (area.height() - height()) / 2);
+    CentreOnScreen(this);
 }
 
 void frmChange::Form_Load() {
