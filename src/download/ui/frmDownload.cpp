@@ -24,6 +24,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 // The previous tick of a row, to tell a changed tick from any other change of the row.
@@ -83,7 +85,9 @@ frmDownload::frmDownload(QWidget* parent) : QDialog(parent) {
     ListView1->setHeaderLabels({QStringLiteral("Security"), QStringLiteral("Symbol"), QStringLiteral("Last Date")});
     ListView1->setRootIsDecorated(false);
     ListView1->header()->resizeSection(0, 230);
-    ListView1->header()->resizeSection(1, 90);
+    // Room for the longer exchange symbols, "ADANIPORTS.NS" and its like, with the cell's margins.
+    ListView1->header()->resizeSection(
+        1, std::max(120, ListView1->fontMetrics().horizontalAdvance(QStringLiteral("BAJAJFINSV.NS")) + 28));
 
     Label1 = named(new QLabel(QStringLiteral("No Securities Selected.")), "Label1");
     Command4 = named(new QPushButton(QStringLiteral("Download")), "Command4");
@@ -269,7 +273,7 @@ void frmDownload::ListView2_ItemCheck(QTreeWidgetItem* item) {
         filling_ = false;
         hourglass.restore();
         MsgBox(QStringLiteral("No MetaStock Files Found."), MsgIcon::Information, QStringLiteral("Fernwoodglade"));
-        delete item;
+        removedFolder_.reset(ListView2->takeTopLevelItem(ListView2->indexOfTopLevelItem(item)));
         countSelection(false);
     }
 }

@@ -4,6 +4,8 @@
 
 #include <QDialog>
 
+#include <memory>
+
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -56,4 +58,7 @@ private:
 
     bool filling_ = false;
     bool unloaded_ = false;
+    // A folder row taken out of ListView2 from inside its own tick change: the list is still
+    // working on the item when the handler returns, so it is freed later.
+    std::unique_ptr<QTreeWidgetItem> removedFolder_;
 };

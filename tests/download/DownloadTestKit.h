@@ -1,0 +1,131 @@
+#pragma once
+// Shared pieces of the download tests: securities written and read back through the store, the
+// quotes service on the loopback server, and the Download Progress window waited for.
+
+#include "download/Inet.h"
+#include "download/ServiceAddresses.h"
+#include "download/clsDailyQuotes.h"
+#include "store/SecurityReader.h"
+#include "store/SecurityWriter.h"
+#include "support/LoopbackHttpServer.h"
+#include "support/Modal.h"
+#include "support/ScriptedPlatform.h"
+#include "support/TestSupport.h"
+
+#include <QListWidget>
+#include <QMap>
+#include <QPushButton>
+#include <QTimer>
+#include <QUrlQuery>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <ostream>
+
+inline const QByteArray Header = "Date,Open,High,Low,Close,Volume,Adj Close\n";
+
+struct StoredBar {
+    qint32 date;
+    double open, high, low, close, volume;
+    bool operator==(const StoredBar&) const = default;
+};
+inline void PrintTo(const StoredBar& b, std::ostream* os) {
+    *os << '{' << b.date << ' ' << b.open << ' ' << b.high << ' ' << b.low << ' ' << b.close << ' ' << b.volume << '}';
+}
+inline void PrintTo(const QString& text, std::ostream* os) { *os << '"' << text.toStdString() << '"'; }
+
+// A bar whose prices all derive from one number.
+inline StoredBar bar(qint32 date, double price, double volume = 1000) {
+    return {date, price, price + 1, price - 1, price + 0.5, volume};
+}
+// The bar as a line of the service's reply, its date in ISO form.
+inline QByteArray line(const StoredBar& b) {
+    const QString iso = QDate::fromString(QString::number(b.date), "yyyyMMdd").toString(Qt::ISODate);
+    QByteArray text = iso.toLatin1();
+    for (double value : {b.open, b.high, b.low, b.close, b.volume, b.close})
+        text += ',' + QByteArray::number(value);
+    return text + '\n';
+}
+
+inline void makeSecurity(const QString& folder, const QString& symbol, const QString& name,
+                         const QList<StoredBar>& bars) {
+    SecurityWriter writer;
+    writer.OpenFolder(folder);
+    writer.CreateSecurity(symbol, name, 1);
+    for (const StoredBar& b : bars)
+        writer.AddQuote(b.date, 0, b.open, b.high, b.low, b.close, b.volume, 0.0);
+    writer.SaveQuotes();
+    writer.CloseSecurity();
+    writer.CloseFolder();
+}
+
+inline QList<StoredBar> storedBars(const QString& folder, const QString& symbol) {
+    SecurityReader reader;
+    reader.OpenFolder(folder);
+    reader.OpenSecurity(symbol);
+    QList<StoredBar> bars;
+    while (reader.GetRecordsRemaining() >= 1) {
+        reader.NextRecord();
+        bars.append({reader.GetDate(), reader.GetOpen(), reader.GetHigh(), reader.GetLow(),
+                     reader.GetClose(), reader.GetVolume()});
+    }
+    reader.CloseSecurity();
+    reader.CloseFolder();
+    return bars;
+}
+
+inline QStringList lines(const QListWidget* list) {
+    QStringList texts;
+    for (int i = 0; list && i < list->count(); ++i)
+        texts << list->item(i)->text();
+    return texts;
+}
+
+// Waits for the next Download Progress window to finish its run (its button reads "&Close"),
+// lets `inspect` look at it, then presses Close. Polls from the event loop, so that the run's
+// own waits can end meanwhile.
+inline void closeProgressWhenDone(std::function<void(QWidget* progress)> inspect) {
+    onNextModal([inspect](QWidget* modal) {
+        auto* button = child<QPushButton>(modal, "Command1");
+        auto* poll = new QTimer;
+        auto tries = std::make_shared<int>(0);
+        QObject::connect(poll, &QTimer::timeout, [=] {
+            if (button->text() != "&Close" && ++*tries < 1000)
+                return;
+            poll->deleteLater();
+            poll->stop();
+            EXPECT_EQ(button->text(), "&Close") << "the run did not end";
+            inspect(modal);
+            button->click();
+        });
+        poll->start(10);
+    });
+}
+
+// The quotes service on the loopback server: each symbol gets its entry of `replies`, or a
+// header alone. Every test has its own platform (today 23 November 2026) and temp folder.
+class DownloadTest : public ::testing::Test {
+protected:
+    DownloadTest() {
+        ServiceAddresses::setYahooQuotes(server.endpoint());
+        clsDailyQuotes::setTracePath(temp.file("t.txt"));
+        Inet::setDefaultTimeoutMs(3000);
+        server.setHandler([this](const QByteArray& target) {
+            const QString symbol = QUrlQuery(QString::fromLatin1(target.mid(target.indexOf('?') + 1)))
+                                       .queryItemValue("s", QUrl::FullyDecoded);
+            return replies.value(symbol, LoopbackReply::ok(Header));
+        });
+    }
+    ~DownloadTest() override {
+        ServiceAddresses::setYahooQuotes({});
+        clsDailyQuotes::setTracePath({});
+        Inet::setDefaultTimeoutMs(0);
+    }
+
+    ScriptedPlatform platform_;
+    TempFolder temp;
+    LoopbackHttpServer server;
+    QMap<QString, LoopbackReply> replies;
+};
