@@ -19,12 +19,15 @@ QString storeDateText(const QDate& date) {
 
 } // namespace
 
-InsertEnd InsertRecord(const QString& folder, const QString& symbol, const RecordValues& record) {
+InsertEnd InsertRecord(const QString& folder, const QString& symbol, const RecordValues& record,
+                       const std::function<void()>& dateExists) {
     const QString d = storeDateText(record.Dat);
     SecurityWriter writer;
     writer.OpenFolder(folder.trimmed());
     writer.OpenSecurity(symbol.trimmed());
     if (writer.DateExists(d)) {
+        if (dateExists)
+            dateExists();
         writer.CloseSecurity();
         writer.CloseFolder();
         return InsertEnd::DateExists;

@@ -7,6 +7,8 @@
 #include <QDate>
 #include <QString>
 
+#include <functional>
+
 // One record as the record dialog gives it.
 struct RecordValues {
     QDate Dat;
@@ -22,8 +24,10 @@ enum class InsertEnd {
     DateExists,    // the security holds that date already; nothing was written
 };
 
-// Adds a record written by the user (mark -1), unless the security holds its date already.
-InsertEnd InsertRecord(const QString& folder, const QString& symbol, const RecordValues& record);
+// Adds a record written by the user (mark -1), unless the security holds its date already; then
+// `dateExists` runs (it tells the user) while the security is still open, and nothing is written.
+InsertEnd InsertRecord(const QString& folder, const QString& symbol, const RecordValues& record,
+                       const std::function<void()>& dateExists = {});
 
 // Replaces the values of the record of record.Dat.
 void ChangeRecord(const QString& folder, const QString& symbol, const RecordValues& record);

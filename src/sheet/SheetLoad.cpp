@@ -41,10 +41,10 @@ SheetLoadEnd LoadSheet(const QString& folder, const QString& symbol, SheetRows& 
         progress->SetCaption(QStringLiteral("Read Security data..."));
         progress->SetMessage(QStringLiteral("Progress...."));
 
-        const QString firstDate = DateToText(reader.GetFirstDate());
-        listener.firstDateRead(firstDate);
+        // "Last Date" starts as the first date; the record read last replaces it at the end.
+        listener.firstDateRead(DateToText(reader.GetFirstDate()));
         listener.periodicityRead(PeriodicityText(reader.GetPeriodicity()));
-        listener.lastDateRead(firstDate);
+        listener.lastDateRead(DateToText(reader.GetFirstDate()));
 
         reader.SetRecordMode(2);
 

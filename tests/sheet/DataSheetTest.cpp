@@ -1,165 +1,93 @@
-// The data sheet: what a load puts into the header boxes and the rows, with the progress window,
-// under several locales, and what the user sees when a load stops early or finds nothing.
+// The data sheet: what a load puts into the header boxes and the rows under several locales, what
+// the user sees when a load stops early or finds nothing, and Insert, Change and Delete through
+// the record dialog, read back from disk.
 
 #include "sheet/SheetTestKit.h"
 
 #include "frame/CommonRoutines.h"
-#include "sheet/SheetRows.h"
+#include "frame/Regional.h"
 #include "sheet/ui/frmChange.h"
-#include "sheet/ui/frmView.h"
-#include "store/ui/ReadProgressWindow.h"
 #include "support/Modal.h"
-#include "support/ScriptedPlatform.h"
-#include "support/TestSupport.h"
 
 #include <QDateEdit>
-#include <QLabel>
-#include <QProgressBar>
-#include <QTimer>
+#include <QDir>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableView>
 #include <QTest>
 
-#include <gtest/gtest.h>
-
 using namespace sheettest;
 
 namespace {
 
-class DataSheet : public ::testing::Test {
-protected:
-    ScriptedPlatform platform;
-    TempFolder temp;
-    ProgressRecorder progress;
-    SheetCleanup cleanup;
-
-    // A sheet of `symbol` in `folder`, loaded and shown as the Open dialog leaves it.
-    std::unique_ptr<frmView> sheet(const QString& folder, const QString& symbol, const QString& name) {
-        auto view = std::make_unique<frmView>();
-        view->path = folder;
-        view->Sec = name;
-        view->Symbol = symbol;
-        view->setWindowTitle(QStringLiteral("DataSheet of ") + name);
-        view->Form_Load();
-        view->show();
-        QApplication::processEvents();
-        return view;
-    }
-
-    static void whenUp(std::function<void(frmChange*)> action) {
-        onNextModal([action](QWidget* w) {
-            auto dialog = qobject_cast<frmChange*>(w);
-            ASSERT_NE(dialog, nullptr);
-            action(dialog);
-        });
-    }
-
-    static QStringList row(const frmView& view, int r) {
-        QStringList cells;
-        for (int c = 0; c < SheetRows::ColumnCount; ++c)
-            cells << view.rows()->cell(r, c);
-        return cells;
-    }
-};
-
-// Records with the values the cell texts are about. The store keeps 4-byte floats, so the
-// values are ones such a float holds exactly.
-std::vector<Rec> threeRecords() {
-    return {{20050804, 1234.5, 1240, 1230.25, 1239.999, 1500},
-            {20050805, 0, 0.125, -0.00390625, 10, 0},
-            {20050808, 99.125, 100, 98, 99.5, 9876543}};
-}
+using DataSheet = SheetFixture;
 
 struct LocaleCase {
     const char* locale;
-    QStringList first;   // the cells of the first row
-    QStringList second;
-    const char* firstDate;
+    QStringList first, second;   // the cells of the first two rows
     const char* lastDate;
+    qint32 code;                 // periodicity code, and the box's text for it
+    const char* periodicity;
 };
+void PrintTo(const LocaleCase& c, std::ostream* out) { *out << c.locale << ' ' << c.code; }
 
-void PrintTo(const LocaleCase& c, std::ostream* out) { *out << c.locale; }
+class DataSheetLocales : public SheetFixture, public ::testing::WithParamInterface<LocaleCase> {};
 
-class DataSheetLocales : public DataSheet, public ::testing::WithParamInterface<LocaleCase> {};
-
+// Blanks round folder and symbol open the right security and stay in the boxes. The records are
+// listed as they are, whatever the periodicity code.
 TEST_P(DataSheetLocales, ShowsHeaderAndEveryRecordInTheLocalesForms) {
-    const LocaleCase& lc = GetParam();
-    LocaleGuard locale(lc.locale);
-    makeSecurity(temp.path(), "BHP", "BHP Billiton", threeRecords());
+    LocaleGuard locale(GetParam().locale);
+    makeSecurity(temp.path(), "BHP", "BHP Billiton",   // values a 4-byte float of the store holds exactly
+                 {{20050804, 1234.5, 1240, 1230.25, 1239.999, 1500}, {20050805, 0, 0.125, -0.00390625, 10, 0},
+                  {20050808, 99.125, 100, 98, 99.5, 9876543}}, GetParam().code);
+    auto view = loadedSheet("  " + temp.path() + " ", " BHP  ", " BHP Billiton");
 
-    auto view = sheet(temp.path(), "BHP", "BHP Billiton");
-
-    EXPECT_EQ(view->Text1->text(), temp.path());
-    EXPECT_EQ(view->Text2->text(), "BHP Billiton");
-    EXPECT_EQ(view->Text3->text(), "BHP");
-    EXPECT_EQ(view->Text6->text(), lc.firstDate);
-    EXPECT_EQ(view->Text4->text(), lc.lastDate);
-    EXPECT_EQ(view->Text5->text(), "Daily");
+    EXPECT_EQ((QStringList{view->Text1->text(), view->Text2->text(), view->Text3->text()}),
+              (QStringList{"  " + temp.path() + " ", " BHP Billiton", " BHP  "}));
+    EXPECT_EQ(view->Text6->text(), GetParam().first.at(0));
+    EXPECT_EQ(view->Text4->text(), GetParam().lastDate);
+    EXPECT_EQ(view->Text5->text(), GetParam().periodicity);
     ASSERT_EQ(view->rows()->rowCount(), 3);
-    EXPECT_EQ(row(*view, 0), lc.first);
-    EXPECT_EQ(row(*view, 1), lc.second);
-    EXPECT_EQ(row(*view, 2).at(0), DateToText(20050808));
-    EXPECT_EQ(row(*view, 2).at(5), "9876543");
+    EXPECT_EQ(cells(*view, 0), GetParam().first);
+    EXPECT_EQ(cells(*view, 1), GetParam().second);
+    EXPECT_EQ(cells(*view, 2).at(5), "9876543");
+    EXPECT_EQ(view->selectedRow(), 2);
     EXPECT_TRUE(platform.boxes.isEmpty()) << platform.boxTexts().join('|').toStdString();
+    QStringList headings;
+    for (int c = 0; c < SheetRows::ColumnCount; ++c)
+        headings << view->rows()->headerData(c, Qt::Horizontal).toString();
+    EXPECT_EQ(headings, (QStringList{"Date", "Open", "High", "Low", "Close", "Volume"}));
+    EXPECT_EQ(progress.log->calls,   // no Hide: the window goes with its object
+              (QStringList{"Show", "SetRange 0 3", "SetStep 1", "SetCaption Read Security data...",
+                           "SetMessage Progress....", "StepIt", "StepIt", "StepIt", "released"}));
 }
 
+const QStringList GbFirst = {"04/08/2005", "1234.50", "1240.00", "1230.25", "1240.00", "1500"};
+const QStringList GbSecond = {"05/08/2005", "0.00", "0.13", "0.00", "10.00", "0"};
 INSTANTIATE_TEST_SUITE_P(
     Locales, DataSheetLocales,
-    ::testing::Values(
-        LocaleCase{"en_GB",
-                   {"04/08/2005", "1234.50", "1240.00", "1230.25", "1240.00", "1500"},
-                   {"05/08/2005", "0.00", "0.13", "0.00", "10.00", "0"},
-                   "04/08/2005", "08/08/2005"},
-        LocaleCase{"en_US",
-                   {"8/4/05", "1234.50", "1240.00", "1230.25", "1240.00", "1500"},
-                   {"8/5/05", "0.00", "0.13", "0.00", "10.00", "0"},
-                   "8/4/05", "8/8/05"},
-        LocaleCase{"de_DE",
-                   {"04.08.05", "1234,50", "1240,00", "1230,25", "1240,00", "1500"},
-                   {"05.08.05", "0,00", "0,13", "0,00", "10,00", "0"},
-                   "04.08.05", "08.08.05"}),
-    [](const ::testing::TestParamInfo<LocaleCase>& param) { return std::string(param.param.locale); });
+    ::testing::Values(LocaleCase{"en_GB", GbFirst, GbSecond, "08/08/2005", 1, "Daily"},
+                      LocaleCase{"en_US", {"8/4/05", "1234.50", "1240.00", "1230.25", "1240.00", "1500"},
+                                 {"8/5/05", "0.00", "0.13", "0.00", "10.00", "0"}, "8/8/05", 2, "Weekly"},
+                      LocaleCase{"de_DE", {"04.08.05", "1234,50", "1240,00", "1230,25", "1240,00", "1500"},
+                                 {"05.08.05", "0,00", "0,13", "0,00", "10,00", "0"}, "08.08.05", 3, "Monthly"},
+                      LocaleCase{"en_GB", GbFirst, GbSecond, "08/08/2005", 4, "4"}),
+    [](const ::testing::TestParamInfo<LocaleCase>& param) {
+        return std::string(param.param.locale) + "_" + std::to_string(param.param.code);
+    });
 
-TEST_F(DataSheet, HeadingsAndTheNewestRowSelectedAndInView) {
+TEST_F(DataSheet, LongSeriesEndsWithTheNewestRowSelectedAndInView) {
     makeSecurity(temp.path(), "LONG", "Long Series", series(400));
-    auto view = sheet(temp.path(), "LONG", "Long Series");
-
-    const QStringList headings = {"Date", "Open", "High", "Low", "Close", "Volume"};
-    for (int c = 0; c < 6; ++c)
-        EXPECT_EQ(view->rows()->headerData(c, Qt::Horizontal).toString(), headings.at(c));
-    EXPECT_EQ(view->ListView1->objectName(), "ListView1");
-    EXPECT_EQ(view->windowTitle(), "DataSheet of Long Series");
-
-    ASSERT_EQ(view->rows()->rowCount(), 400);
+    auto view = loadedSheet(temp.path(), "LONG", "Long Series");
     EXPECT_EQ(view->selectedRow(), 399);
     const QRect last = view->ListView1->visualRect(view->rows()->index(399, 0));
     EXPECT_TRUE(view->ListView1->viewport()->rect().contains(last)) << "the newest row is out of view";
     EXPECT_EQ(view->Text4->text(), DateToText(series(400).back().date));
 }
 
-TEST_F(DataSheet, ReadsThroughTheProgressWindowInTheStoresOrder) {
-    makeSecurity(temp.path(), "ABC", "ABC", series(3));
-    auto view = sheet(temp.path(), "ABC", "ABC");
-
-    const QStringList expected = {"Show", "SetRange 0 3", "SetStep 1", "SetCaption Read Security data...",
-                                  "SetMessage Progress....", "StepIt", "StepIt", "StepIt", "released"};
-    EXPECT_EQ(progress.log->calls, expected);   // no Hide: the window goes with its object
-    EXPECT_EQ(progress.log->alive, 0);
-}
-
-TEST_F(DataSheet, BlanksRoundFolderAndSymbolOpenTheSecurityAndStayInTheBoxes) {
-    makeSecurity(temp.path(), "XYZ", "Xyz Corp", series(2));
-    auto view = sheet("  " + temp.path() + " ", " XYZ  ", " Xyz Corp");
-    EXPECT_EQ(view->rows()->rowCount(), 2);
-    EXPECT_EQ(view->Text1->text(), "  " + temp.path() + " ");
-    EXPECT_EQ(view->Text3->text(), " XYZ  ");
-    EXPECT_EQ(view->Text2->text(), " Xyz Corp");
-    EXPECT_TRUE(platform.boxes.isEmpty());
-}
-
-TEST_F(DataSheet, SecurityWithoutRecordsShowsItsHeaderAndNoDataFound) {
-    {   // a security as Create New Symbols leaves it: the seed record added and deleted again
+// A security without records shows its header; one that can't be read shows nothing. The window stays.
+TEST_F(DataSheet, NothingToListGivesNoDataFound) {
+    {   // as Create New Symbols leaves it: the seed record added and deleted again
         SecurityWriter writer;
         writer.OpenFolder(temp.path());
         writer.CreateSecurity("NEW", "NEW", 1);
@@ -168,171 +96,235 @@ TEST_F(DataSheet, SecurityWithoutRecordsShowsItsHeaderAndNoDataFound) {
         writer.CloseSecurity();
         writer.CloseFolder();
     }
-    ASSERT_TRUE(readBack(temp.path(), "NEW").empty());
-
-    auto view = sheet(temp.path(), "NEW", "NEW");
-    EXPECT_EQ(view->rows()->rowCount(), 0);
-    EXPECT_EQ(view->Text5->text(), "Daily");
-    EXPECT_EQ(view->Text4->text(), view->Text6->text());
-    ASSERT_EQ(platform.boxes.size(), 1);
-    EXPECT_EQ(platform.boxes[0].text, "No Data Found.");
-    EXPECT_EQ(platform.boxes[0].icon, MsgIcon::Warning);
-    EXPECT_EQ(platform.boxes[0].title, "Marrowfin");
-}
-
-TEST_F(DataSheet, FolderWithoutStoreOrUnknownSymbolGivesNoDataFound) {
-    makeSecurity(temp.path(), "ABC", "ABC", series(2));
-    const QString empty = temp.sub("nothing-here");
-    struct Case { QString folder, symbol; } cases[] = {{empty, "ABC"}, {temp.path(), "NOPE"}};
-    for (const Case& c : cases) {
+    const struct { QString folder, symbol, firstDate, periodicity; } cases[] = {
+        {temp.path(), "NEW", "02/01/2024", "Daily"}, {temp.path(), "NOPE", "", ""}, {temp.sub("bare"), "NEW", "", ""}};
+    for (const auto& c : cases) {
         platform.boxes.clear();
-        auto view = sheet(c.folder, c.symbol, "ABC");
+        auto view = loadedSheet(c.folder, c.symbol, "NEW");
         EXPECT_EQ(view->rows()->rowCount(), 0);
         EXPECT_EQ(view->Text1->text(), c.folder);
-        EXPECT_EQ(platform.boxTexts(), QStringList{"No Data Found."});
-        EXPECT_TRUE(view->isVisible()) << "the window stays open";
+        EXPECT_EQ(view->Text6->text(), c.firstDate) << c.symbol.toStdString();
+        EXPECT_EQ(view->Text4->text(), c.firstDate) << "Last Date shows the first date";
+        EXPECT_EQ(view->Text5->text(), c.periodicity);
+        ASSERT_EQ(platform.boxes.size(), 1);
+        expectBox(0, "No Data Found.", MsgIcon::Warning);
+        EXPECT_TRUE(view->isVisible());
     }
 }
 
 TEST_F(DataSheet, CancelAfterTheFirstRecordLeavesOneRowAndNoSelectionAndStaysUsable) {
     makeSecurity(temp.path(), "ABC", "ABC", series(50));
     progress.log->cancelAfterSteps = 1;
-    auto view = sheet(temp.path(), "ABC", "ABC");
+    auto view = loadedSheet(temp.path(), "ABC", "ABC");
 
     ASSERT_EQ(view->rows()->rowCount(), 1);
     EXPECT_EQ(view->selectedRow(), -1);
     EXPECT_EQ(view->Text4->text(), view->Text6->text()) << "Last Date still shows the first date";
     EXPECT_TRUE(platform.boxes.isEmpty());
-    ASSERT_GE(progress.log->calls.size(), 3);
-    EXPECT_EQ(progress.log->calls.mid(progress.log->calls.size() - 3),
-              (QStringList{"StepIt", "Hide", "released"}));
+    EXPECT_EQ(progress.log->calls.mid(progress.log->calls.size() - 3), (QStringList{"StepIt", "Hide", "released"}));
 
-    // The one row can still be deleted.
-    view->ListView1->selectRow(0);
+    view->ListView1->selectRow(0);   // the one row can still be deleted
     platform.answerNextBox(MsgAnswer::Yes);
     view->Command5->click();
     EXPECT_EQ(view->rows()->rowCount(), 0);
     EXPECT_EQ(readBack(temp.path(), "ABC").size(), 49u);
 }
 
-ReadProgressWindow* visibleProgressWindow() {
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (auto window = qobject_cast<ReadProgressWindow*>(w); window && window->isVisible())
-            return window;
-    return nullptr;
-}
+// ---- Record editing ------------------------------------------------------------------------
 
-// The store's own progress window: it shows the load, its Cancel stops it, and it goes away.
-TEST_F(DataSheet, ProgressWindowShowsTheLoadAndItsCancelStopsIt) {
-    UseReadProgressWindow();
-    makeSecurity(temp.path(), "ABC", "ABC", series(3000));
+const std::vector<Rec> Records = {{20050804, 10, 12, 9, 11, 1000}, {20050805, 11, 13, 10, 12, 2000},
+                                  {20050808, 12, 14, 11, 13, 3000}};
 
-    QString caption, message;
-    int maximum = -1, valueAtCancel = -1;
-    QTimer watcher;   // what the user does while the window is up: waits for the bar, then cancels
-    watcher.setInterval(0);
-    QObject::connect(&watcher, &QTimer::timeout, [&] {
-        ReadProgressWindow* window = visibleProgressWindow();
-        if (!window || window->ProgressBar1->value() < 100)
-            return;
-        caption = window->windowTitle();
-        message = window->lblMessage->text();
-        maximum = window->ProgressBar1->maximum();
-        valueAtCancel = window->ProgressBar1->value();
-        window->cmdCancel->click();
-        watcher.stop();
-    });
-    watcher.start();
-    auto view = sheet(temp.path(), "ABC", "ABC");
+class RecordEdit : public SheetFixture {
+protected:
+    std::unique_ptr<frmView> view;
+    void SetUp() override {
+        makeSecurity(temp.path(), "ABC", "Abc Ltd", Records);
+        view = loadedSheet(temp.path(), "ABC", "Abc Ltd");
+    }
 
-    EXPECT_EQ(caption, "Read Security data...");
-    EXPECT_EQ(message, "Progress....");
-    EXPECT_EQ(maximum, 3000);
-    const int rowsRead = view->rows()->rowCount();
-    EXPECT_GE(rowsRead, valueAtCancel);
-    EXPECT_LT(rowsRead, 3000);
-    EXPECT_EQ(view->selectedRow(), -1);
-    EXPECT_TRUE(platform.boxes.isEmpty());
-    EXPECT_EQ(visibleProgressWindow(), nullptr);
+    // What the dialog showed as it came up (date text, then the five boxes), whether its date could
+    // be changed, whether it stayed up after the button and what its boxes held then.
+    QStringList shown, after;
+    bool pickerEnabled = true, stillUp = false;
 
-    // Insert loads again with a fresh window, which runs to the end and goes away by itself.
-    whenUp([](frmChange* dialog) {
-        dialog->DTPicker1->setDate(QDate(1999, 1, 4));
-        for (QLineEdit* box : {dialog->Text2, dialog->Text3, dialog->Text4, dialog->Text5, dialog->Text6})
-            box->setText("1");
-        dialog->Command1->click();
-    });
+    // When the record dialog comes up: set the date if valid, type the values (a null string leaves
+    // a box), press the button; a dialog that stays up is then closed.
+    void whenDialogUp(QDate date, QStringList values, const char* button = "Command1") {
+        onNextModal([=, this](QWidget* w) {
+            auto dialog = qobject_cast<frmChange*>(w);
+            ASSERT_NE(dialog, nullptr);
+            EXPECT_EQ(dialog->windowTitle(), "Change Record");
+            QLineEdit* boxes[] = {dialog->Text2, dialog->Text3, dialog->Text4, dialog->Text5, dialog->Text6};
+            shown = {Regional::dateText(dialog->DTPicker1->date())};
+            for (QLineEdit* box : boxes)
+                shown << box->text();
+            pickerEnabled = dialog->DTPicker1->isEnabled();
+            if (date.isValid())
+                dialog->DTPicker1->setDate(date);
+            for (int i = 0; i < values.size(); ++i)
+                if (!values[i].isNull())
+                    boxes[i]->setText(values[i]);
+            child<QPushButton>(dialog, button)->click();
+            stillUp = dialog->isVisible();
+            after.clear();
+            for (QLineEdit* box : boxes)
+                after << box->text();
+            if (stillUp)
+                dialog->Command3->click();
+        });
+    }
+};
+
+TEST_F(RecordEdit, InsertPutsTheRecordIntoTheStoreAndReloadsTheSheet) {
+    platform.todayDate = QDate(2026, 3, 9);
+    whenDialogUp(QDate(2005, 8, 6), {"20.5", "21", "19.75", "20", "4500"});
+    progress.log->calls.clear();
     view->Command4->click();
-    EXPECT_EQ(view->rows()->rowCount(), 3001);
-    EXPECT_EQ(view->rows()->cell(0, 0), "04/01/1999");
-    EXPECT_EQ(view->selectedRow(), 3000);
-    EXPECT_EQ(visibleProgressWindow(), nullptr);
+
+    EXPECT_EQ(shown, (QStringList{"09/03/2026", "", "", "", "", ""})) << "today's date, empty boxes";
+    EXPECT_TRUE(pickerEnabled);
+    EXPECT_TRUE(platform.boxes.isEmpty()) << platform.boxTexts().join('|').toStdString();
+    auto stored = readBack(temp.path(), "ABC");
+    ASSERT_EQ(stored.size(), 4u);
+    EXPECT_EQ(stored[2], (Rec{20050806, 20.5, 21, 19.75, 20, 4500}));
+    ASSERT_EQ(view->rows()->rowCount(), 4);
+    EXPECT_EQ(cells(*view, 2), (QStringList{"06/08/2005", "20.50", "21.00", "19.75", "20.00", "4500"}));
+    EXPECT_EQ(view->selectedRow(), 3);
+    EXPECT_EQ(progress.log->calls.first(), "Show") << "the load ran again with its progress window";
+
+    whenDialogUp(QDate(2005, 8, 1), {"1", "2", "0.5", "1.5", "10"});   // before the first date
+    view->Command4->click();
+    EXPECT_EQ(view->Text6->text(), "01/08/2005");
+    EXPECT_EQ(view->rows()->cell(0, 0), "01/08/2005");
+    EXPECT_EQ(readBack(temp.path(), "ABC").front().date, 20050801);
 }
 
-TEST_F(DataSheet, TwoSheetsOfOneSecurityStandApart) {
-    makeSecurity(temp.path(), "ABC", "ABC", series(5));
-    auto first = sheet(temp.path(), "ABC", "ABC");
-    auto second = sheet(temp.path(), "ABC", "ABC");
-    EXPECT_EQ(first->windowTitle(), second->windowTitle());
+TEST_F(RecordEdit, InsertOfADateThatExistsChangesNothing) {
+    whenDialogUp(QDate(2005, 8, 5), {"99", "99", "99", "99", "99"});
+    view->Command4->click();
+    ASSERT_EQ(platform.boxes.size(), 1);
+    expectBox(0, "Date Already Exist.", MsgIcon::Information);
+    EXPECT_EQ(readBack(temp.path(), "ABC"), Records);
+    EXPECT_EQ(cells(*view, 1), (QStringList{"05/08/2005", "11.00", "13.00", "10.00", "12.00", "2000"}));
+}
+
+// "&Apply" refuses a blank or a word and keeps the dialog up with what was typed; "&Close" then
+// leaves store and sheet as they were.
+TEST_F(RecordEdit, ApplyRefusesIncompleteOrNonNumericFields) {
+    const struct { QStringList typed; const char* message; } cases[] = {
+        {{"1", "2", "   ", "4", "5"}, "Please Complete All Fields."},
+        {{"1", "2", "3", "", "5"}, "Please Complete All Fields."},
+        {{"1", "two", "3", "4", "5"}, "Please Enter Numbers Only."},
+    };
+    for (const auto& c : cases) {
+        platform.boxes.clear();
+        whenDialogUp(QDate(2005, 8, 9), c.typed);
+        view->Command4->click();
+        EXPECT_TRUE(stillUp) << c.message;
+        EXPECT_EQ(after, c.typed);
+        ASSERT_EQ(platform.boxes.size(), 1);
+        expectBox(0, c.message, MsgIcon::Information);
+    }
+    EXPECT_EQ(readBack(temp.path(), "ABC"), Records);
+    EXPECT_EQ(view->rows()->rowCount(), 3);
+}
+
+// A double click on a row changes it; the new values show as plain number text until the next load.
+TEST_F(RecordEdit, ChangeOfARowWritesPlainNumbersUntilTheNextLoad) {
+    const QPoint at = view->ListView1->visualRect(view->rows()->index(1, 2)).center();
+    whenDialogUp({}, {"11", "13", "10", "99.5", "1500"});
+    QTest::mouseClick(view->ListView1->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(view->ListView1->viewport(), Qt::LeftButton, {}, at);
+
+    EXPECT_EQ(shown, (QStringList{"05/08/2005", "11.00", "13.00", "10.00", "12.00", "2000"}));
+    EXPECT_FALSE(pickerEnabled) << "a change can't move the record to another date";
+    EXPECT_TRUE(platform.boxes.isEmpty());
+    EXPECT_EQ(cells(*view, 1), (QStringList{"05/08/2005", "11", "13", "10", "99.5", "1500"}));
+    EXPECT_EQ(readBack(temp.path(), "ABC"), (std::vector<Rec>{Records[0], {20050805, 11, 13, 10, 99.5, 1500}, Records[2]}));
+    view->Form_Load();
+    EXPECT_EQ(cells(*view, 1), (QStringList{"05/08/2005", "11.00", "13.00", "10.00", "99.50", "1500"}));
+
+    whenDialogUp({}, {"1", "1", "1", "1", "1"}, "Command3");   // "&Close" changes nothing
+    view->Command6->click();
+    EXPECT_EQ(cells(*view, 2).at(4), "13.00");
+    EXPECT_EQ(readBack(temp.path(), "ABC")[2], Records[2]);
+}
+
+TEST_F(RecordEdit, DeleteAskedNoKeepsTheRecordAndYesKeepsLastDateUntilTheNextLoad) {
+    platform.answerNextBox(MsgAnswer::No);
+    view->Command5->click();
+    expectBox(0, "Are you sure to delete date : 08/08/2005", MsgIcon::Question);
+    EXPECT_EQ(platform.boxes[0].buttons, MsgButtons::YesNo);
+    EXPECT_EQ(view->rows()->rowCount(), 3);
+    EXPECT_EQ(readBack(temp.path(), "ABC"), Records);
 
     platform.answerNextBox(MsgAnswer::Yes);
-    second->Command5->click();   // deletes the newest record, in the second sheet only
-    EXPECT_EQ(second->rows()->rowCount(), 4);
-    EXPECT_EQ(first->rows()->rowCount(), 5);
+    view->Command5->click();
+    ASSERT_EQ(platform.boxes.size(), 3);
+    expectBox(2, "Record Deleted.", MsgIcon::Information);
+    EXPECT_EQ(view->rows()->rowCount(), 2);
+    EXPECT_EQ(view->Text4->text(), "08/08/2005");
+    EXPECT_EQ(readBack(temp.path(), "ABC"), (std::vector<Rec>{Records[0], Records[1]}));
+    view->Form_Load();
+    EXPECT_EQ(view->Text4->text(), "05/08/2005");
 
-    first->Command1->click();
-    EXPECT_FALSE(first->isVisible());
-    EXPECT_TRUE(second->isVisible());
+    view->ListView1->clearSelection();   // with no row selected Change and Delete do nothing
+    view->Command6->click();
+    view->Command5->click();
+    EXPECT_EQ(platform.boxes.size(), 3);
+    EXPECT_EQ(view->rows()->rowCount(), 2);
 }
 
-TEST_F(DataSheet, PeriodicityBoxForEachCode) {
-    struct Case { qint32 code; const char* shown; } cases[] = {
-        {1, "Daily"}, {2, "Weekly"}, {3, "Monthly"}, {4, "4"}, {5, "5"}};
-    for (const Case& c : cases) {
+TEST_F(RecordEdit, WritesThatFailShowTheStoresDescriptionOrEndSilently) {
+    const QString moved = temp.path() + "-gone";   // the store can't be opened for writing
+    ASSERT_TRUE(QDir().rename(temp.path(), moved));
+
+    whenDialogUp(QDate(2005, 8, 9), {"1", "1", "1", "1", "1"});
+    view->Command4->click();
+    expectBox(0, QString(), MsgIcon::Warning, "Brindlemark v6");
+    EXPECT_EQ(view->rows()->rowCount(), 3) << "the list isn't reloaded";
+
+    view->ListView1->selectRow(0);
+    whenDialogUp({}, {"5", "5", "5", "5", "5"});
+    view->Command6->click();
+    expectBox(1, QString(), MsgIcon::Warning, "Brindlemark v6");
+    EXPECT_EQ(cells(*view, 0), (QStringList{"04/08/2005", "10.00", "12.00", "9.00", "11.00", "1000"}));
+
+    platform.answerNextBox(MsgAnswer::Yes);
+    view->Command5->click();
+    EXPECT_EQ(platform.boxes.size(), 3) << "only the question";
+    EXPECT_EQ(view->rows()->rowCount(), 3);
+    ASSERT_TRUE(QDir().rename(moved, temp.path()));
+    EXPECT_EQ(readBack(temp.path(), "ABC"), Records);
+}
+
+// Dates shown month first with two-digit years, and numbers typed with a decimal comma.
+TEST_F(RecordEdit, ChangeAndDeleteUnderOtherLocales) {
+    const struct { const char* locale; const char* dateText; QStringList typed; } cases[] = {
+        {"en_US", "8/5/05", {"11.25", "13", "10", "12.5", "2500"}},
+        {"de_DE", "05.08.05", {"11,25", "13", "10", "12,5", "2500"}},
+    };
+    for (const auto& c : cases) {
+        LocaleGuard locale(c.locale);
         TempFolder folder;
-        makeSecurity(folder.path(), "PER", "PER", series(3), c.code);
-        auto view = sheet(folder.path(), "PER", "PER");
-        EXPECT_EQ(view->Text5->text(), c.shown) << c.code;
-        EXPECT_EQ(view->rows()->rowCount(), 3) << "the records are listed as they are, whatever the code";
+        makeSecurity(folder.path(), "ABC", "Abc Ltd", Records);
+        auto sheet = loadedSheet(folder.path(), "ABC", "Abc Ltd");
+
+        sheet->ListView1->selectRow(1);
+        whenDialogUp({}, c.typed);
+        sheet->Command6->click();
+        EXPECT_EQ(shown.at(0), c.dateText);
+        EXPECT_EQ(cells(*sheet, 1).mid(1), c.typed) << c.locale;
+        const Rec changed{20050805, 11.25, 13, 10, 12.5, 2500};
+        EXPECT_EQ(readBack(folder.path(), "ABC"), (std::vector<Rec>{Records[0], changed, Records[2]})) << c.locale;
+
+        sheet->ListView1->selectRow(0);   // deleted by the date text the sheet shows
+        platform.answerNextBox(MsgAnswer::Yes);
+        sheet->Command5->click();
+        EXPECT_EQ(platform.boxes.last().text, "Record Deleted.") << c.locale;
+        EXPECT_EQ(readBack(folder.path(), "ABC"), (std::vector<Rec>{changed, Records[2]}));
     }
-}
-
-// An intraday security written by another tool shows its code's digits and its records.
-TEST_F(DataSheet, IntradayFolderOfAnotherToolShowsItsCodeAndRecords) {
-    REQUIRE_FIXTURE("intraday");
-    ASSERT_TRUE(copyFixture("intraday", temp.path()));
-    SecurityReader reader;
-    reader.OpenFolder(temp.path());
-    ASSERT_GE(reader.GetSecuritiesRemaining(), 1);
-    reader.NextSecurity();
-    const QString symbol = reader.GetSymbol(), name = reader.GetName();
-    reader.CloseFolder();
-
-    auto view = sheet(temp.path(), symbol, name);
-    const QString shown = view->Text5->text();
-    EXPECT_FALSE(shown == "Daily" || shown == "Weekly" || shown == "Monthly") << shown.toStdString();
-    bool digits = false;
-    shown.toInt(&digits);
-    EXPECT_TRUE(digits) << shown.toStdString();
-    EXPECT_GT(view->rows()->rowCount(), 0);
-}
-
-TEST_F(DataSheet, VendorFolderOpensWithAllRecordsOldestFirst) {
-    REQUIRE_FIXTURE("vendor-xmaster");
-    ASSERT_TRUE(copyFixture("vendor-xmaster", temp.path()));
-    SecurityReader reader;
-    reader.OpenFolder(temp.path());
-    reader.NextSecurity();
-    const QString symbol = reader.GetSymbol(), name = reader.GetName();
-    reader.CloseFolder();
-    const auto records = readBack(temp.path(), symbol);
-    ASSERT_FALSE(records.empty());
-
-    auto view = sheet(temp.path(), symbol, name);
-    ASSERT_EQ(view->rows()->rowCount(), static_cast<int>(records.size()));
-    EXPECT_EQ(view->rows()->cell(0, 0), DateToText(records.front().date));
-    EXPECT_EQ(view->Text4->text(), DateToText(records.back().date));
-    EXPECT_EQ(view->selectedRow(), view->rows()->rowCount() - 1);
 }
 
 } // namespace

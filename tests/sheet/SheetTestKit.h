@@ -1,22 +1,25 @@
 #pragma once
 // Helpers for the tests of the data sheet and of Open Security: data folders made through the
-// store's own writer, records read back from disk, a progress window that records what it is
+// store's own writer, records read back from disk, progress windows that record what they are
 // told (and can be cancelled), and the sheets standing open.
 
+#include "sheet/SheetRows.h"
 #include "sheet/ui/frmView.h"
 #include "store/ReadProgress.h"
 #include "store/SecurityReader.h"
 #include "store/SecurityWriter.h"
+#include "support/ScriptedPlatform.h"
+#include "support/TestSupport.h"
 
 #include <QApplication>
 #include <QDate>
 #include <QStringList>
-#include <QWidget>
+
+#include <gtest/gtest.h>
 
 #include <memory>
 #include <vector>
 
-// Readable failure messages for texts and lists of texts.
 inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
 inline void PrintTo(const QStringList& texts, std::ostream* out) {
     *out << '{' << texts.join(QStringLiteral("|")).toStdString() << '}';
@@ -31,7 +34,7 @@ struct Rec {
 };
 
 inline std::ostream& operator<<(std::ostream& out, const Rec& r) {
-    return out << r.date << " " << r.open << "/" << r.high << "/" << r.low << "/" << r.close << " v" << r.volume;
+    return out << r.date << ' ' << r.open << '/' << r.high << '/' << r.low << '/' << r.close << " v" << r.volume;
 }
 
 // Adds a security with these records to `folder` (made a store when it is none yet).
@@ -47,17 +50,15 @@ inline void makeSecurity(const QString& folder, const QString& symbol, const QSt
     writer.CloseFolder();
 }
 
-// `count` daily records from 2 January 2004 on, working days only, with values that differ.
-inline std::vector<Rec> series(int count, QDate from = QDate(2004, 1, 2)) {
+// `count` daily records on working days from 2 January 2004 on.
+inline std::vector<Rec> series(int count, QDate day = QDate(2004, 1, 2)) {
     std::vector<Rec> records;
-    QDate day = from;
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < count; ++i, day = day.addDays(1)) {
         while (day.dayOfWeek() > 5)
             day = day.addDays(1);
         const double base = 100 + (i % 500) * 0.25;
         records.push_back({day.year() * 10000 + day.month() * 100 + day.day(), base, base + 2, base - 1,
                            base + 0.5, 1000.0 + i});
-        day = day.addDays(1);
     }
     return records;
 }
@@ -78,58 +79,31 @@ inline std::vector<Rec> readBack(const QString& folder, const QString& symbol) {
     return records;
 }
 
-// What the progress windows of a test were told, call by call ("Show", "SetRange 0 3", "StepIt",
-// ...), and how many are alive.
-struct ProgressLog {
-    QStringList calls;
-    int alive = 0;
-    int made = 0;
-    int cancelAfterSteps = -1;   // GetCancelled answers true once this many steps have been made
-    int steps = 0;
-};
-
-class RecordingProgress : public ReadProgress {
-public:
-    explicit RecordingProgress(std::shared_ptr<ProgressLog> log) : log_(std::move(log)) {
-        ++log_->alive;
-        ++log_->made;
-    }
-    ~RecordingProgress() override {
-        --log_->alive;
-        log_->calls << QStringLiteral("released");
-    }
-    void Show() override { log_->calls << QStringLiteral("Show"); }
-    void Hide() override { log_->calls << QStringLiteral("Hide"); }
-    void SetRange(qint32 low, qint32 high) override {
-        log_->calls << QStringLiteral("SetRange %1 %2").arg(low).arg(high);
-    }
-    void SetCaption(const QString& caption) override { log_->calls << QStringLiteral("SetCaption ") + caption; }
-    void SetMessage(const QString& message) override { log_->calls << QStringLiteral("SetMessage ") + message; }
-    void SetStep(qint32 step) override { log_->calls << QStringLiteral("SetStep %1").arg(step); }
-    void StepIt() override {
-        ++log_->steps;
-        log_->calls << QStringLiteral("StepIt");
-    }
-    bool GetCancelled() const override {
-        return log_->cancelAfterSteps >= 0 && log_->steps >= log_->cancelAfterSteps;
-    }
-
-private:
-    std::shared_ptr<ProgressLog> log_;
-};
-
-// Installs recording progress windows for the lifetime of the object.
-class ProgressRecorder {
-public:
-    ProgressRecorder() : log(std::make_shared<ProgressLog>()) {
-        auto shared = log;
-        ReadProgress::setFactory([shared] { return std::make_unique<RecordingProgress>(shared); });
-    }
+// Progress windows that log what they are told ("Show", "SetRange 0 3", "StepIt", ..., "released")
+// and answer Cancelled once `cancelAfterSteps` steps have been made; installed while the object lives.
+struct ProgressRecorder {
+    struct Log {
+        QStringList calls;
+        int cancelAfterSteps = -1;
+    };
+    struct Window : ReadProgress {
+        std::shared_ptr<Log> log;
+        explicit Window(std::shared_ptr<Log> l) : log(std::move(l)) {}
+        ~Window() override { log->calls << QStringLiteral("released"); }
+        void Show() override { log->calls << QStringLiteral("Show"); }
+        void Hide() override { log->calls << QStringLiteral("Hide"); }
+        void SetRange(qint32 low, qint32 high) override { log->calls << QStringLiteral("SetRange %1 %2").arg(low).arg(high); }
+        void SetCaption(const QString& text) override { log->calls << QStringLiteral("SetCaption ") + text; }
+        void SetMessage(const QString& text) override { log->calls << QStringLiteral("SetMessage ") + text; }
+        void SetStep(qint32 step) override { log->calls << QStringLiteral("SetStep %1").arg(step); }
+        void StepIt() override { log->calls << QStringLiteral("StepIt"); }
+        bool GetCancelled() const override {
+            return log->cancelAfterSteps >= 0 && log->calls.count(QStringLiteral("StepIt")) >= log->cancelAfterSteps;
+        }
+    };
+    std::shared_ptr<Log> log = std::make_shared<Log>();
+    ProgressRecorder() { ReadProgress::setFactory([l = log] { return std::make_unique<Window>(l); }); }
     ~ProgressRecorder() { ReadProgress::setFactory({}); }
-    ProgressRecorder(const ProgressRecorder&) = delete;
-    ProgressRecorder& operator=(const ProgressRecorder&) = delete;
-
-    std::shared_ptr<ProgressLog> log;
 };
 
 // The data sheets standing as windows, oldest first.
@@ -146,8 +120,49 @@ struct SheetCleanup {
     ~SheetCleanup() {
         for (frmView* sheet : openSheets())
             sheet->close();
-        QApplication::processEvents();
         QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+};
+
+// A sheet loaded and shown as Open Security leaves it.
+inline std::unique_ptr<frmView> loadedSheet(const QString& folder, const QString& symbol, const QString& name) {
+    auto view = std::make_unique<frmView>();
+    view->path = folder;
+    view->Sec = name;
+    view->Symbol = symbol;
+    view->setWindowTitle(QStringLiteral("DataSheet of ") + name);
+    view->Form_Load();
+    view->show();
+    QApplication::processEvents();
+    return view;
+}
+
+// The six cells of a row as the sheet shows them.
+inline QStringList cells(const frmView& view, int row) {
+    QStringList out;
+    for (int c = 0; c < SheetRows::ColumnCount; ++c)
+        out << view.rows()->cell(row, c);
+    return out;
+}
+
+// What every test of a sheet or of Open Security stands on: the scripted platform, a folder of
+// its own, recording progress windows, and no sheet left standing afterwards.
+class SheetFixture : public ::testing::Test {
+protected:
+    ScriptedPlatform platform;
+    TempFolder temp;
+    ProgressRecorder progress;
+    SheetCleanup cleanup;
+
+    // Box i as shown; a null text stands for the store's own description, which isn't empty.
+    void expectBox(int i, const QString& text, MsgIcon icon, const QString& title = QStringLiteral("Marrowfin")) {
+        ASSERT_GT(platform.boxes.size(), i) << platform.boxTexts().join('|').toStdString();
+        if (text.isNull())
+            EXPECT_FALSE(platform.boxes[i].text.isEmpty());
+        else
+            EXPECT_EQ(platform.boxes[i].text, text);
+        EXPECT_EQ(platform.boxes[i].icon, icon);
+        EXPECT_EQ(platform.boxes[i].title, title);
     }
 };
 

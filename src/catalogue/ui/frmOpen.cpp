@@ -173,21 +173,24 @@ void frmOpen::List() {
     SecurityReader& r = reader();
     r.OpenFolder(Text2->text().trimmed());
     ListView1->clear();
+    QList<QTreeWidgetItem*> items;
     try {
         const QIcon one = style()->standardIcon(QStyle::SP_FileIcon);
-        QList<QTreeWidgetItem*> items;
         while (r.GetSecuritiesRemaining() >= 1) {
             r.NextSecurity();
+            const QString name = r.GetName();
             auto item = new QTreeWidgetItem;
-            item->setText(0, r.GetName());
+            items.append(item);
+            item->setText(0, name);
             item->setIcon(0, one);
             item->setText(1, r.GetSymbol());
             item->setText(2, r.GetFileName());
             item->setText(3, DateToText(r.GetLastDate()));
-            items.append(item);
         }
         ListView1->addTopLevelItems(items);
     } catch (const Failure&) {
+        // The rows read before the failure stay in the list, the last one as far as it got.
+        ListView1->addTopLevelItems(items);
         passOver([&] { r.CloseFolder(); });
         throw;
     }

@@ -182,10 +182,9 @@ void frmView::Command4_Click() {
     const RecordValues record{dialog.Dat, dialog.OpenPrice, dialog.High, dialog.Low, dialog.ClosePrice,
                               dialog.Volume};
     try {
-        if (InsertRecord(Text1->text(), Text3->text(), record) == InsertEnd::DateExists) {
-            MsgBox(QStringLiteral("Date Already Exist."), MsgIcon::Information, Marrowfin);
+        const auto tell = [] { MsgBox(QStringLiteral("Date Already Exist."), MsgIcon::Information, Marrowfin); };
+        if (InsertRecord(Text1->text(), Text3->text(), record, tell) == InsertEnd::DateExists)
             return;
-        }
     } catch (const Failure& failure) {
         MsgBox(failure.Description, MsgIcon::Warning);
         return;
