@@ -169,12 +169,6 @@ private:
     qsizetype pos_ = 0;
 };
 
-bool isHeading(const QString (&items)[3]) {
-    return items[0].compare(u"Group", Qt::CaseInsensitive) == 0 &&
-           items[1].compare(u"Symbol", Qt::CaseInsensitive) == 0 &&
-           items[2].compare(u"Name", Qt::CaseInsensitive) == 0;
-}
-
 } // namespace
 
 void ReadSymbolsFile() {
@@ -192,9 +186,6 @@ void ReadSymbolsFile() {
         QString items[3];
         for (QString& item : items)
             passOver([&] { item = reader.next(); });
-        // A heading line that names the columns is no symbol.
-        if (SymbolCount == 0 && isHeading(items))
-            continue;
         ++SymbolCount;
         SymbolEntries.resizeTo(SymbolCount);
         SymbolEntries[SymbolCount] = {items[0], items[1], items[2]};

@@ -26,6 +26,5 @@ QString MonthAbbreviation(qint16 month);
 
 // Fills Module1::SymbolEntries and SymbolCount from symbols.csv in the program's own folder:
 // three comma-separated items (Group, Symbol, Name) per entry, trimmed; an item in double quotes
-// may hold commas. A first line "Group,Symbol,Name" is taken as a heading, not as an entry.
-// A missing or unreadable file leaves the list empty; nothing is reported.
+// may hold commas. A missing or unreadable file leaves the list empty; nothing is reported.
 void ReadSymbolsFile();
