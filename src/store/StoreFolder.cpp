@@ -28,9 +28,14 @@ QString native(const QString& path) { return QDir::toNativeSeparators(path); }
 
 Folder Folder::open(const QString& path, bool requireStore) {
     const QFileInfo info(path);
-    if (path.trimmed().isEmpty() || !info.isDir())
+    if (path.trimmed().isEmpty())
+        throw Failure(FailureNumber::PathNotFound, QStringLiteral("No folder was given."),
+                      QStringLiteral("Folder::open"));
+    if (!info.isDir())
         throw Failure(FailureNumber::PathNotFound,
-                      QStringLiteral("The folder %1 does not exist.").arg(native(path)),
+                      (info.exists() ? QStringLiteral("%1 is a file, not a folder.")
+                                     : QStringLiteral("The folder %1 does not exist."))
+                          .arg(native(path)),
                       QStringLiteral("Folder::open"));
     Folder f;
     f.path = info.absoluteFilePath();

@@ -5,12 +5,12 @@
 #include "support/TestSupport.h"
 
 #include <QDirIterator>
+#include <QFile>
 #include <QFileInfo>
 
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <map>
 #include <random>
 
 using metastock::floatToMbf;
@@ -30,46 +30,44 @@ QByteArray text(const char* s, int width, char pad) {
     return b + QByteArray(width - b.size(), pad);
 }
 
-std::map<QString, QByteArray> snapshot(const QString& folder) {
-    std::map<QString, QByteArray> out;
-    QDirIterator it(folder, QDir::Files);
-    while (it.hasNext()) {
-        it.next();
-        out[it.fileName()] = readFileBytes(it.filePath());
-    }
-    return out;
-}
-
 void makeTwo(const QString& folder) {
-    SecurityWriter w;
-    w.OpenFolder(folder);
-    for (const char* s : {"AAA", "BBB"}) {
-        w.CreateSecurity(QString::fromLatin1(s), QString::fromLatin1(s), 1);
-        addBars(w, {barOf(20050801), barOf(20050802)});
-        w.CloseSecurity();
-    }
-    w.CloseFolder();
+    makeSecurity(folder, QStringLiteral("AAA"), {20050801, 20050802});
+    makeSecurity(folder, QStringLiteral("BBB"), {20050801, 20050802});
 }
 
 } // namespace
 
-TEST(MbfFloats, KnownWords) {
+TEST(MbfFloats, KnownWordsAndValuesTheFormatCannotHold) {
     const struct {
         unsigned char bytes[4];
         float value;
     } cases[] = {
-        {{0xB0, 0x0A, 0x6D, 0x94}, 970923.0f},
-        {{0x00, 0x00, 0x00, 0x00}, 0.0f},
-        {{0x00, 0x00, 0x00, 0x81}, 1.0f},
-        {{0x00, 0x00, 0x80, 0x81}, -1.0f},
-        {{0x00, 0x00, 0x00, 0x80}, 0.5f},
-        {{0x00, 0x00, 0x20, 0x84}, 10.0f},
+        {{0xB0, 0x0A, 0x6D, 0x94}, 970923.0f}, {{0x00, 0x00, 0x00, 0x00}, 0.0f}, {{0x00, 0x00, 0x00, 0x81}, 1.0f},
+        {{0x00, 0x00, 0x80, 0x81}, -1.0f},     {{0x00, 0x00, 0x00, 0x80}, 0.5f}, {{0x00, 0x00, 0x20, 0x84}, 10.0f},
         {{0x00, 0x00, 0xA0, 0x84}, -10.0f},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(mbfToFloat(c.bytes), c.value);
         EXPECT_EQ(mbf(c.value), QByteArray(reinterpret_cast<const char*>(c.bytes), 4)) << c.value;
     }
+    unsigned char out[4] = {1, 2, 3, 4};
+    for (float bad : {std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN(),
+                      std::numeric_limits<float>::max()})
+        EXPECT_FALSE(floatToMbf(bad, out)) << bad;
+    EXPECT_EQ(mbf(std::numeric_limits<float>::denorm_min()), QByteArray(4, '\0'));
+    EXPECT_EQ(mbf(-0.0f), QByteArray(4, '\0'));
+
+    // The writer refuses such a value and writes nothing.
+    TempFolder folder;
+    makeTwo(folder.path());
+    const auto before = snapshot(folder.path());
+    SecurityWriter w;
+    w.OpenFolder(folder.path());
+    w.OpenSecurity(QStringLiteral("AAA"));
+    for (double bad : {1e39, 3e38, std::nan(""), -std::numeric_limits<double>::infinity()})
+        EXPECT_THROW(w.AddQuote(20050803, -1, 1, bad, 1, 1, 1, -1), Failure) << bad;
+    w.CloseFolder();
+    EXPECT_EQ(snapshot(folder.path()), before);
 }
 
 TEST(MbfFloats, EveryFloatTheFormatHoldsGoesBothWaysExactly) {
@@ -111,35 +109,12 @@ TEST(MbfFloats, EveryWordOfTheFixturesSurvivesARoundTrip) {
     EXPECT_GT(words, 100000);
 }
 
-TEST(MbfFloats, ValuesTheFormatCannotHoldAreRefused) {
-    unsigned char out[4] = {1, 2, 3, 4};
-    EXPECT_FALSE(floatToMbf(std::numeric_limits<float>::infinity(), out));
-    EXPECT_FALSE(floatToMbf(std::numeric_limits<float>::quiet_NaN(), out));
-    EXPECT_FALSE(floatToMbf(std::numeric_limits<float>::max(), out));
-    EXPECT_EQ(mbf(std::numeric_limits<float>::denorm_min()), QByteArray(4, '\0'));
-    EXPECT_EQ(mbf(-0.0f), QByteArray(4, '\0'));
-
-    TempFolder folder;
-    makeTwo(folder.path());
-    const auto before = snapshot(folder.path());
-    SecurityWriter w;
-    w.OpenFolder(folder.path());
-    w.OpenSecurity(QStringLiteral("AAA"));
-    for (double bad : {1e39, 3e38, std::nan(""), -std::numeric_limits<double>::infinity()})
-        EXPECT_THROW(w.AddQuote(20050803, -1, 1, bad, 1, 1, 1, -1), Failure) << bad;
-    w.CloseFolder();
-    EXPECT_EQ(snapshot(folder.path()), before);
-}
-
 TEST(IndexBytes, NewSecurityIsWrittenAsTheVendorWritesIt) {
     TempFolder folder;
-    {
-        SecurityWriter w;
-        w.OpenFolder(folder.path());
+    writeFolder(folder.path(), [](SecurityWriter& w) {
         w.CreateSecurity(QStringLiteral("ABC"), QStringLiteral("ABC CORP"), 1);
         w.AddQuote(19970923, -1, 1, 2, 0.5, 1.5, 100, -1);
-        w.CloseFolder();
-    }
+    });
     const QByteArray master = readFileBytes(folder.file(QStringLiteral("MASTER")));
     ASSERT_EQ(master.size(), 2 * 53);
     EXPECT_EQ(master.left(4), QByteArray("\x01\x00\x01\x00", 4));  // one security, highest number 1
@@ -169,22 +144,15 @@ TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
     TempFolder folder;
     const QString longName = QStringLiteral("A NAME OF FORTY-FIVE CHARACTERS, NOT MORE!..");
     ASSERT_EQ(longName.size(), 44);
-    {
-        SecurityWriter w;
-        w.OpenFolder(folder.path());
+    writeFolder(folder.path(), [&](SecurityWriter& w) {
         for (int i = 1; i <= 300; ++i) {
             const QString sym = QStringLiteral("S%1").arg(i, 3, 10, QLatin1Char('0'));
             w.CreateSecurity(sym, i % 50 == 0 ? longName + QString::number(i % 10) + QStringLiteral("XYZ") : sym, 1);
-            w.AddQuote(20050801, 0, i, i, i, i, i, 0);
-            w.AddQuote(20050802, 0, i + 1, i + 1, i + 1, i + 1, i + 1, 0);
-            w.SaveQuotes();
+            addBars(w, {{20050801, double(i), double(i), double(i), double(i), double(i)},
+                        {20050802, i + 1.0, i + 1.0, i + 1.0, i + 1.0, i + 1.0}});
             w.CloseSecurity();
         }
-        w.CloseFolder();
-    }
-    EXPECT_TRUE(QFileInfo::exists(folder.file(QStringLiteral("XMASTER"))));
-    EXPECT_TRUE(QFileInfo::exists(folder.file(QStringLiteral("F255.DAT"))));
-    EXPECT_TRUE(QFileInfo::exists(folder.file(QStringLiteral("F256.MWD"))));
+    });
     EXPECT_FALSE(QFileInfo::exists(folder.file(QStringLiteral("F256.DAT"))));
     const QByteArray xmaster = readFileBytes(folder.file(QStringLiteral("XMASTER")));
     ASSERT_EQ(xmaster.size(), 46 * 150);
@@ -217,83 +185,48 @@ TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
     EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("MASTER"))).mid(50 * 53 + 7, 16), longName.left(16).toLatin1());
 }
 
-TEST(SecurityNames, SymbolsAreCheckedOnCreateAndRename) {
-    TempFolder folder;
-    SecurityWriter w;
-    w.OpenFolder(folder.path());
-    EXPECT_THROW(w.CreateSecurity(QStringLiteral("ABCDEFGHIJKLMNO"), QStringLiteral("X"), 1), Failure);
-    w.CreateSecurity(QStringLiteral("ABCDEFGHIJKLMN"), QStringLiteral("FOURTEEN"), 1);
-    w.CreateSecurity(QStringLiteral("OTHER"), QStringLiteral("OTHER"), 1);
-    EXPECT_THROW(w.CreateSecurity(QStringLiteral("other"), QStringLiteral("X"), 1), Failure);
-    EXPECT_THROW(w.ChangeSecurity(QStringLiteral("OTHER"), QStringLiteral("X"), QStringLiteral("ABCDEFGHIJKLMN")), Failure);
-    EXPECT_THROW(w.ChangeSecurity(QStringLiteral("OTHER"), QStringLiteral("X"), QStringLiteral("abcdefghijklmn")), Failure);
-    EXPECT_THROW(w.ChangeSecurity(QStringLiteral("OTHER"), QStringLiteral("X"), QStringLiteral("ABCDEFGHIJKLMNOP")), Failure);
-    EXPECT_THROW(w.ChangeSecurity(QStringLiteral("NONE"), QStringLiteral("X"), QStringLiteral("NEW")), Failure);
-    w.ChangeSecurity(QStringLiteral("OTHER"), QStringLiteral("A Long Name Of Over Sixteen"), QStringLiteral("OTHER"));
-    w.ChangeSecurity(QStringLiteral("ABCDEFGHIJKLMN"), QStringLiteral("Renamed"), QStringLiteral("NEWSYM"));
-    w.CloseFolder();
-    const auto listed = listFolder(folder.path());
-    ASSERT_EQ(listed.size(), 2u);
-    EXPECT_EQ(listed[0].symbol, QStringLiteral("NEWSYM"));
-    EXPECT_EQ(listed[0].name, QStringLiteral("Renamed"));
-    EXPECT_EQ(listed[1].name, QStringLiteral("A Long Name Of Over Sixteen"));
-    // The long name lies in EMASTER's full-name field; a short one leaves it empty.
-    const QByteArray emaster = readFileBytes(folder.file(QStringLiteral("EMASTER")));
-    EXPECT_EQ(emaster.mid(2 * 192 + 139, 28), QByteArray("A Long Name Of Over Sixteen\0", 28));
-    EXPECT_EQ(emaster.mid(192 + 139, 53), QByteArray(53, '\0'));
-}
-
 TEST(CorruptFolders, AreRefusedClearlyAndNeverWritten) {
-    struct Case {
+    const QByteArray emptyXmaster = QByteArray("\x5D\xFE\x58\x4D", 4) + QByteArray(146, '\0');
+    const struct {
         const char* what;
-        const char* file;         // named in the failure
-        std::function<void(const TempFolder&)> spoil;
-        bool folderOpens;         // the index is fine, a data file is not
+        const char* file;  // spoilt, and named in the failure
+        int cutTo;         // >= 0: the file is cut to this size; -2: the file is removed
+        int at;            // else these bytes are written at this offset
+        QByteArray bytes;
+        bool folderOpens;  // the index is fine, a data file is not
+    } cases[] = {
+        {"empty MASTER", "MASTER", 0, 0, {}, false},
+        {"MASTER cut inside a record", "MASTER", 100, 0, {}, false},
+        {"MASTER counts beyond its size", "MASTER", -1, 0, QByteArray("\x03\x00", 2), false},
+        {"MASTER counts past 255", "MASTER", -1, 0, QByteArray("\x00\x01", 2), false},
+        {"MASTER record length wrong", "MASTER", -1, 53 + 3, QByteArray("\x1B", 1), false},
+        {"MASTER field count 9", "MASTER", -1, 53 + 3, QByteArray("\x24\x09", 2), false},
+        {"MASTER file number twice", "MASTER", -1, 106, QByteArray("\x01", 1), false},
+        {"MASTER file number 0", "MASTER", -1, 53, QByteArray("\x00", 1), false},
+        {"EMASTER cut", "EMASTER", 300, 0, {}, false},
+        {"XMASTER counts beyond its size", "XMASTER", -1, 0, QByteArray(emptyXmaster).replace(10, 1, "\x05"), false},
+        {"data file counts beyond its size", "F1.DAT", -1, 2, QByteArray("\x09\x00", 2), true},
+        {"data file shorter than its header", "F1.DAT", 10, 0, {}, true},
+        {"data file missing", "F1.DAT", -2, 0, {}, true},
     };
-    auto patch = [](const TempFolder& f, const char* name, int offset, QByteArray bytes) {
-        QByteArray b = readFileBytes(f.file(QString::fromLatin1(name)));
-        b.replace(offset, bytes.size(), bytes);
-        writeTextFile(f.file(QString::fromLatin1(name)), b);
-    };
-    auto cut = [](const TempFolder& f, const char* name, int size) {
-        writeTextFile(f.file(QString::fromLatin1(name)), readFileBytes(f.file(QString::fromLatin1(name))).left(size));
-    };
-    const Case cases[] = {
-        {"empty MASTER", "MASTER", [&](const TempFolder& f) { cut(f, "MASTER", 0); }, false},
-        {"MASTER cut inside a record", "MASTER", [&](const TempFolder& f) { cut(f, "MASTER", 100); }, false},
-        {"MASTER counts beyond its size", "MASTER", [&](const TempFolder& f) { patch(f, "MASTER", 0, QByteArray("\x03\x00", 2)); }, false},
-        {"MASTER counts past 255", "MASTER", [&](const TempFolder& f) { patch(f, "MASTER", 0, QByteArray("\x00\x01", 2)); }, false},
-        {"MASTER record length wrong", "MASTER", [&](const TempFolder& f) { patch(f, "MASTER", 53 + 3, QByteArray("\x1B", 1)); }, false},
-        {"MASTER field count 9", "MASTER", [&](const TempFolder& f) { patch(f, "MASTER", 53 + 3, QByteArray("\x24\x09", 2)); }, false},
-        {"MASTER file number twice", "MASTER", [&](const TempFolder& f) { patch(f, "MASTER", 106, QByteArray("\x01", 1)); }, false},
-        {"MASTER file number 0", "MASTER", [&](const TempFolder& f) { patch(f, "MASTER", 53, QByteArray("\x00", 1)); }, false},
-        {"EMASTER cut", "EMASTER", [&](const TempFolder& f) { cut(f, "EMASTER", 300); }, false},
-        {"XMASTER counts beyond its size", "XMASTER",
-         [&](const TempFolder& f) {
-             writeTextFile(f.file(QStringLiteral("XMASTER")), QByteArray("\x5D\xFE\x58\x4D", 4) + QByteArray(6, '\0') +
-                                                               QByteArray("\x05\x00", 2) + QByteArray(138, '\0'));
-         },
-         false},
-        {"data file counts beyond its size", "F1.DAT", [&](const TempFolder& f) { patch(f, "F1.DAT", 2, QByteArray("\x09\x00", 2)); }, true},
-        {"data file shorter than its header", "F1.DAT", [&](const TempFolder& f) { cut(f, "F1.DAT", 10); }, true},
-        {"data file missing", "F1.DAT", [&](const TempFolder& f) { QFile::remove(f.file(QStringLiteral("F1.DAT"))); }, true},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         TempFolder folder;
         makeTwo(folder.path());
-        c.spoil(folder);
+        const QString path = folder.file(QString::fromLatin1(c.file));
+        QByteArray bytes = readFileBytes(path);
+        if (c.cutTo == -2)
+            QFile::remove(path);
+        else
+            writeTextFile(path, c.cutTo >= 0 ? bytes.left(c.cutTo) : bytes.replace(c.at, c.bytes.size(), c.bytes));
         const auto before = snapshot(folder.path());
 
         SecurityReader r;
-        std::string failure;
-        try {
+        const std::string failure = failureText([&] {
             r.OpenFolder(folder.path());
             EXPECT_TRUE(c.folderOpens);
             r.OpenSecurity(QStringLiteral("AAA"));
-        } catch (const Failure& f) {
-            failure = f.Description.toStdString();
-        }
+        });
         EXPECT_NE(failure.find(c.file), std::string::npos) << failure;
         // The reader stays usable: BBB reads where the index is sound.
         if (c.folderOpens) {

@@ -17,15 +17,15 @@ QWidget* shownProgressWindow() {
     return nullptr;
 }
 
-struct FactoryGuard {
-    FactoryGuard() { UseReadProgressWindow(); }
-    ~FactoryGuard() { ReadProgress::setFactory({}); }
+class ReadProgressWindowTest : public ::testing::Test {
+protected:
+    void SetUp() override { UseReadProgressWindow(); }
+    void TearDown() override { ReadProgress::setFactory({}); }
 };
 
 } // namespace
 
-TEST(ReadProgressWindow, ShowsBarCaptionAndMessageAndGoesAwayWhenReleased) {
-    FactoryGuard guard;
+TEST_F(ReadProgressWindowTest, ShowsBarCaptionAndMessageAndGoesAwayWhenReleased) {
     {
         auto progress = ReadProgress::create();
         progress->Show();
@@ -46,10 +46,8 @@ TEST(ReadProgressWindow, ShowsBarCaptionAndMessageAndGoesAwayWhenReleased) {
         // No Hide: releasing the object takes the window down.
     }
     EXPECT_EQ(shownProgressWindow(), nullptr);
-}
 
-TEST(ReadProgressWindow, WorksWithoutStepOrCaption) {
-    FactoryGuard guard;
+    // Without SetStep a step is 1, and without SetCaption the window has a title of its own.
     auto progress = ReadProgress::create();
     progress->Show();
     progress->SetMessage(QStringLiteral("Converting Security"));
@@ -64,8 +62,7 @@ TEST(ReadProgressWindow, WorksWithoutStepOrCaption) {
     EXPECT_EQ(shownProgressWindow(), nullptr);
 }
 
-TEST(ReadProgressWindow, CancelGetsThroughBetweenSteps) {
-    FactoryGuard guard;
+TEST_F(ReadProgressWindowTest, CancelGetsThroughBetweenSteps) {
     auto progress = ReadProgress::create();
     progress->Show();
     progress->SetRange(0, 1000);

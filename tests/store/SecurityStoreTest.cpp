@@ -4,95 +4,58 @@
 #include "store/ReadProgress.h"
 #include "support/TestSupport.h"
 
-#include <QFile>
 #include <QFileInfo>
 
 namespace {
 
 bool exists(const TempFolder& folder, const char* name) { return QFileInfo::exists(folder.file(QString::fromLatin1(name))); }
-
-// A folder with one security "AAA" holding the given dates.
-void makeSecurity(const QString& folder, const QString& symbol, const std::vector<qint32>& dates) {
-    SecurityWriter w;
-    w.OpenFolder(folder);
-    w.CreateSecurity(symbol, symbol, 1);
-    std::vector<Bar> bars;
-    for (qint32 d : dates)
-        bars.push_back(barOf(d));
-    addBars(w, bars);
-    w.CloseSecurity();
-    w.CloseFolder();
-}
-
-std::string failureText(const std::function<void()>& step) {
-    try {
-        step();
-    } catch (const Failure& f) {
-        return f.Description.toStdString();
-    }
-    return "(no failure)";
-}
+bool contains(const std::string& text, const char* part) { return text.find(part) != std::string::npos; }
 
 } // namespace
 
-TEST(StoreFolders, ReaderRefusesAFolderWithoutMaster) {
-    TempFolder folder;
-    SecurityReader reader;
-    const std::string text = failureText([&] { reader.OpenFolder(folder.path()); });
-    EXPECT_NE(text.find("MASTER"), std::string::npos) << text;
-    EXPECT_NE(text.find("no MetaStock Files"), std::string::npos) << text;
-    // The object stays usable.
-    makeSecurity(folder.path(), QStringLiteral("AAA"), {20050801});
-    reader.OpenFolder(folder.path());
-    EXPECT_EQ(reader.GetSecuritiesRemaining(), 1);
-}
-
-TEST(StoreFolders, PathThatIsNoFolderFailsForBoth) {
+TEST(StoreFolders, FoldersWithoutAStore) {
     TempFolder folder;
     writeTextFile(folder.file(QStringLiteral("plain.txt")), "x");
-    for (const QString& path : {folder.file(QStringLiteral("missing")), folder.file(QStringLiteral("plain.txt")), QString()}) {
-        SecurityReader reader;
-        SecurityWriter writer;
-        EXPECT_THROW(reader.OpenFolder(path), Failure) << path.toStdString();
-        EXPECT_THROW(writer.OpenFolder(path), Failure) << path.toStdString();
-    }
-}
+    // The reader refuses a folder without MASTER, and says so in words a user understands.
+    SecurityReader reader;
+    const std::string text = failureText([&] { reader.OpenFolder(folder.path()); });
+    EXPECT_TRUE(contains(text, "no MetaStock Files") && contains(text, "MASTER")) << text;
 
-TEST(StoreFolders, WriterOpensAnEmptyFolderAndMakesIndexFilesWithTheFirstSecurity) {
-    TempFolder folder;
+    // A path that is no folder fails for both, and says what it is.
+    const std::pair<QString, const char*> noFolders[] = {{folder.file(QStringLiteral("missing")), "does not exist"},
+                                                         {folder.file(QStringLiteral("plain.txt")), "not a folder"},
+                                                         {QString(), "No folder"}};
+    for (const auto& [path, says] : noFolders) {
+        SecurityWriter writer;
+        EXPECT_TRUE(contains(failureText([&] { reader.OpenFolder(path); }), says)) << path.toStdString();
+        EXPECT_TRUE(contains(failureText([&] { writer.OpenFolder(path); }), says)) << path.toStdString();
+    }
+
+    // The writer opens it as an empty store; the index files come with the first security.
     SecurityWriter w;
     w.OpenFolder(folder.path());
     EXPECT_FALSE(w.SymbolExists(QStringLiteral("AAA")));
     w.CloseFolder();
-    EXPECT_FALSE(exists(folder, "MASTER"));
-    EXPECT_FALSE(exists(folder, "EMASTER"));
-
+    EXPECT_FALSE(exists(folder, "MASTER") || exists(folder, "EMASTER"));
     w.OpenFolder(folder.path());
     w.CreateSecurity(QStringLiteral("AAA"), QStringLiteral("AAA"), 1);
-    EXPECT_TRUE(exists(folder, "MASTER"));
-    EXPECT_TRUE(exists(folder, "EMASTER"));
-    EXPECT_TRUE(exists(folder, "F1.DAT"));
+    EXPECT_TRUE(exists(folder, "MASTER") && exists(folder, "EMASTER") && exists(folder, "F1.DAT"));
     EXPECT_FALSE(exists(folder, "XMASTER"));
     w.CloseSecurity();
     w.CloseFolder();
 
-    const auto listed = listFolder(folder.path());
-    ASSERT_EQ(listed.size(), 1u);
-    EXPECT_EQ(listed[0].symbol, QStringLiteral("AAA"));
-    EXPECT_EQ(listed[0].file, QStringLiteral("F1.DAT"));
-    EXPECT_EQ(listed[0].first, 0);
-}
+    // The same reader, which failed on the folder, now lists it.
+    reader.OpenFolder(folder.path());
+    ASSERT_EQ(reader.GetSecuritiesRemaining(), 1);
+    reader.NextSecurity();
+    EXPECT_EQ(reader.GetSymbol(), QStringLiteral("AAA"));
+    EXPECT_EQ(reader.GetFileName(), QStringLiteral("F1.DAT"));
+    EXPECT_EQ(reader.GetFirstDate(), 0);
 
-TEST(StoreFolders, EmptyStoreListsNothing) {
-    TempFolder folder;
-    makeSecurity(folder.path(), QStringLiteral("AAA"), {});
-    {
-        SecurityWriter w;
-        w.OpenFolder(folder.path());
-        w.DeleteSecurity(QStringLiteral("AAA"));
-        w.CloseFolder();
-    }
-    SecurityReader reader;
+    // Its last security deleted, the store is empty: nothing listed, no failure.
+    w.OpenFolder(folder.path());
+    w.DeleteSecurity(QStringLiteral("AAA"));
+    w.CloseFolder();
     reader.OpenFolder(folder.path());
     EXPECT_EQ(reader.GetSecuritiesRemaining(), 0);
     EXPECT_THROW(reader.NextSecurity(), Failure);
@@ -104,34 +67,41 @@ TEST(StoreReading, CursorsCountDownAndTheLastRecordStaysCurrent) {
     makeSecurity(folder.path(), QStringLiteral("AAA"), {20050801, 20050802, 20050803});
     makeSecurity(folder.path(), QStringLiteral("BBB"), {});
 
-    SecurityReader r;
+    SecurityReader r, sheet;
     r.OpenFolder(folder.path());
     EXPECT_EQ(r.GetSecuritiesRemaining(), 2);
     r.NextSecurity();
     EXPECT_EQ(r.GetSecuritiesRemaining(), 1);
     EXPECT_EQ(r.GetName(), QStringLiteral("AAA"));
     EXPECT_EQ(r.GetLastDate(), 20050803);
+    // A second reader on the same folder while the first one is open on it.
+    sheet.OpenFolder(folder.path());
+    sheet.OpenSecurity(QStringLiteral("AAA"));
+    EXPECT_EQ(sheet.GetRecordCount(), 3);
+    EXPECT_EQ(r.GetSymbol(), QStringLiteral("AAA"));
     r.NextSecurity();
     EXPECT_EQ(r.GetSecuritiesRemaining(), 0);
     EXPECT_EQ(r.GetSymbol(), QStringLiteral("BBB"));
     EXPECT_EQ(r.GetLastDate(), 0);
+
+    r.FindSecurity(QStringLiteral("AAA"));
+    EXPECT_EQ(r.GetSymbol(), QStringLiteral("AAA"));
+    EXPECT_EQ(r.GetFirstDate(), 20050801);
+    EXPECT_THROW(r.FindSecurity(QStringLiteral("ZZZ")), Failure);
+    EXPECT_THROW(r.OpenSecurity(QStringLiteral("ZZZ")), Failure);
 
     r.OpenSecurity(QStringLiteral("AAA"));
     r.SetRecordMode(2);
     EXPECT_EQ(r.GetFirstDate(), 20050801);
     EXPECT_EQ(r.GetPeriodicity(), 1);
     EXPECT_EQ(r.GetRecordCount(), 3);
-    int seen = 0;
-    while (r.GetRecordsRemaining() > 0) {
+    for (int seen = 0; r.GetRecordsRemaining() > 0; ++seen) {
         EXPECT_EQ(r.GetRecordsRemaining(), 3 - seen);
         r.NextRecord();
-        ++seen;
     }
-    EXPECT_EQ(seen, 3);
-    EXPECT_EQ(r.GetDate(), 20050803);
-    EXPECT_EQ(r.GetClose(), barOf(20050803).close);
     EXPECT_THROW(r.NextRecord(), Failure);
     EXPECT_EQ(r.GetDate(), 20050803);
+    EXPECT_EQ(r.GetClose(), barOf(20050803).close);
 
     r.OpenSecurity(QStringLiteral("BBB"));
     EXPECT_EQ(r.GetRecordCount(), 0);
@@ -141,101 +111,49 @@ TEST(StoreReading, CursorsCountDownAndTheLastRecordStaysCurrent) {
     r.CloseFolder();
     r.CloseFolder();
     r.CloseSecurity();  // after CloseFolder: no harm
-}
-
-TEST(StoreReading, FindSecurityByNameAndUnknownNamesFail) {
-    TempFolder folder;
-    makeSecurity(folder.path(), QStringLiteral("AAA"), {20050801, 20050805});
-    SecurityReader r;
-    r.OpenFolder(folder.path());
-    r.FindSecurity(QStringLiteral("AAA"));
-    EXPECT_EQ(r.GetSymbol(), QStringLiteral("AAA"));
-    EXPECT_EQ(r.GetFirstDate(), 20050801);
-    EXPECT_EQ(r.GetLastDate(), 20050805);
-    EXPECT_THROW(r.FindSecurity(QStringLiteral("ZZZ")), Failure);
-    EXPECT_THROW(r.OpenSecurity(QStringLiteral("ZZZ")), Failure);
-    r.CloseSecurity();
-    r.CloseFolder();
     EXPECT_THROW(r.GetName(), Failure);
-}
-
-TEST(StoreReading, TwoReadersOnOneFolder) {
-    TempFolder folder;
-    makeSecurity(folder.path(), QStringLiteral("AAA"), {20050801, 20050802});
-    SecurityReader list, sheet;
-    list.OpenFolder(folder.path());
-    list.NextSecurity();
-    sheet.OpenFolder(folder.path());
-    sheet.OpenSecurity(QStringLiteral("AAA"));
-    EXPECT_EQ(sheet.GetRecordCount(), 2);
-    EXPECT_EQ(list.GetSymbol(), QStringLiteral("AAA"));
 }
 
 TEST(StoreWriting, RecordsComeBackOldestFirstWhateverTheOrderOfWriting) {
     TempFolder folder;
     const auto days = tradingDays(20050801, 10);
-    {
-        SecurityWriter w;
-        w.OpenFolder(folder.path());
-        w.CreateSecurity(QStringLiteral("AAA"), QStringLiteral("AAA"), 1);
-        // A download run writes from the last record to the first.
-        for (auto it = days.rbegin(); it != days.rend(); ++it) {
-            const Bar b = barOf(*it);
-            w.AddQuote(b.date, 0, b.open, b.high, b.low, b.close, b.volume, 0);
-        }
-        w.SaveQuotes();
-        w.CloseSecurity();
-        w.CloseFolder();
-    }
+    SecurityWriter w;
+    w.OpenFolder(folder.path());
+    w.CreateSecurity(QStringLiteral("AAA"), QStringLiteral("AAA"), 1);
+    // A download run writes from the last record to the first.
+    const auto bars = barsOf(days);
+    addBars(w, std::vector<Bar>(bars.rbegin(), bars.rend()));
+    w.CloseSecurity();
+    w.CloseFolder();
     EXPECT_EQ(readDates(folder.path(), QStringLiteral("AAA")), days);
-    {
-        // The user inserts a date in the middle, a date before all and one after all.
-        SecurityWriter w;
-        w.OpenFolder(folder.path());
-        w.OpenSecurity(QStringLiteral("AAA"));
-        for (qint32 d : {20050806, 20050720, 20050901}) {
-            EXPECT_FALSE(w.DateExists(QString::number(d)));
-            const Bar b = barOf(d);
-            w.AddQuote(d, -1, b.open, b.high, b.low, b.close, b.volume, -1.0);
-        }
-        w.CloseSecurity();
-        w.CloseFolder();
+
+    // The user inserts a date in the middle, one before all and one after all.
+    w.OpenFolder(folder.path());
+    w.OpenSecurity(QStringLiteral("AAA"));
+    for (qint32 d : {20050806, 20050720, 20050901}) {
+        EXPECT_FALSE(w.DateExists(QString::number(d)));
+        const Bar b = barOf(d);
+        w.AddQuote(d, -1, b.open, b.high, b.low, b.close, b.volume, -1.0);
     }
+    w.CloseSecurity();
+    w.CloseFolder();
     auto expected = days;
     expected.insert(expected.begin(), 20050720);
     expected.insert(std::upper_bound(expected.begin(), expected.end(), 20050806), 20050806);
     expected.push_back(20050901);
-    EXPECT_EQ(readDates(folder.path(), QStringLiteral("AAA")), expected);
-    const auto bars = readBars(folder.path(), QStringLiteral("AAA"));
-    for (const Bar& b : bars)
-        EXPECT_EQ(b, barOf(b.date)) << b.date;
+    EXPECT_EQ(readBars(folder.path(), QStringLiteral("AAA")), barsOf(expected));
 }
 
-TEST(StoreWriting, AddingAnExistingDateReplacesIt) {
+TEST(StoreWriting, AddingADateTheSecurityHoldsReplacesIt) {
     TempFolder folder;
     makeSecurity(folder.path(), QStringLiteral("AAA"), {20050801, 20050802, 20050803});
     SecurityWriter w;
     w.OpenFolder(folder.path());
     w.OpenSecurity(QStringLiteral("AAA"));
     EXPECT_TRUE(w.DateExists(QStringLiteral("20050802")));
-    w.AddQuote(20050802, 0, 1, 2, 0.5, 1.5, 77, 0);      // the NSE path: no DateExists first
-    w.AddQuote(20050803, 0, 3, 4, 2.5, 3.5, 88, 0);
-    w.SaveQuotes();
-    w.CloseSecurity();
-    w.CloseFolder();
-    const auto bars = readBars(folder.path(), QStringLiteral("AAA"));
-    ASSERT_EQ(bars.size(), 3u);
-    EXPECT_EQ(bars[1], (Bar{20050802, 1, 2, 0.5, 1.5, 77}));
-    EXPECT_EQ(bars[2], (Bar{20050803, 3, 4, 2.5, 3.5, 88}));
-}
-
-TEST(StoreWriting, DeleteThenAddInOneBatchReplaces) {
-    TempFolder folder;
-    makeSecurity(folder.path(), QStringLiteral("AAA"), {20050801, 20050802});
-    SecurityWriter w;
-    w.OpenFolder(folder.path());
-    w.OpenSecurity(QStringLiteral("AAA"));
-    for (qint32 d : {20050803, 20050802}) {  // Yahoo merge: from the last record to the first
+    w.AddQuote(20050802, 0, 1, 2, 0.5, 1.5, 77, 0);  // the NSE path: no DateExists first
+    // The Yahoo merge, from the last record to the first: a new date, then one deleted and added.
+    for (qint32 d : {20050804, 20050803}) {
         if (w.DateExists(QString::number(d)))
             w.DeleteQuote(QString::number(d));
         w.AddQuote(d, 0, 5, 6, 4, 5.5, 9, 0);
@@ -243,54 +161,52 @@ TEST(StoreWriting, DeleteThenAddInOneBatchReplaces) {
     w.SaveQuotes();
     w.CloseSecurity();
     w.CloseFolder();
-    const auto bars = readBars(folder.path(), QStringLiteral("AAA"));
-    ASSERT_EQ(bars.size(), 3u);
-    EXPECT_EQ(bars[0], barOf(20050801));
-    EXPECT_EQ(bars[1], (Bar{20050802, 5, 6, 4, 5.5, 9}));
-    EXPECT_EQ(bars[2], (Bar{20050803, 5, 6, 4, 5.5, 9}));
+    EXPECT_EQ(readBars(folder.path(), QStringLiteral("AAA")),
+              (std::vector<Bar>{barOf(20050801), {20050802, 1, 2, 0.5, 1.5, 77}, {20050803, 5, 6, 4, 5.5, 9},
+                                {20050804, 5, 6, 4, 5.5, 9}}));
 }
 
-TEST(StoreWriting, WhenChangesReachTheDisk) {
+TEST(StoreWriting, BatchesWaitForSaveQuotesWhileMarkMinusOneAndChangesWriteThrough) {
     TempFolder folder;
     makeSecurity(folder.path(), QStringLiteral("AAA"), {20050801, 20050802, 20050803});
     SecurityWriter w;
     w.OpenFolder(folder.path());
     w.OpenSecurity(QStringLiteral("AAA"));
 
-    // Mark 0 and DeleteQuote wait for SaveQuotes...
     w.AddQuote(20050804, 0, 1, 1, 1, 1, 1, 0);
     w.DeleteQuote(QStringLiteral("20050801"));
     EXPECT_TRUE(w.DateExists(QStringLiteral("20050804")));  // the writer sees its own batch
-    EXPECT_EQ(w.DateExists(QStringLiteral("20050801")), false);
+    EXPECT_FALSE(w.DateExists(QStringLiteral("20050801")));
     EXPECT_EQ(readDates(folder.path(), QStringLiteral("AAA")), (std::vector<qint32>{20050801, 20050802, 20050803}));
     w.SaveQuotes();
     EXPECT_EQ(readDates(folder.path(), QStringLiteral("AAA")), (std::vector<qint32>{20050802, 20050803, 20050804}));
 
-    // ...mark -1 and ChangeQuote go through at once.
     w.AddQuote(20050805, -1, 2, 2, 2, 2, 2, -1.0);
     EXPECT_EQ(readDates(folder.path(), QStringLiteral("AAA")).back(), 20050805);
     w.ChangeQuote(QStringLiteral("20050802"), QStringLiteral("-1"), -1, 7, 8, 6, 7.5, 100, -1.0);
     EXPECT_EQ(readBars(folder.path(), QStringLiteral("AAA"))[0], (Bar{20050802, 7, 8, 6, 7.5, 100}));
+    // The date is the key: a change can't make a record of a date the security lacks.
     EXPECT_THROW(w.ChangeQuote(QStringLiteral("20050901"), QStringLiteral("-1"), -1, 1, 1, 1, 1, 1, -1), Failure);
     w.CloseSecurity();
     w.CloseFolder();
+    EXPECT_EQ(readDates(folder.path(), QStringLiteral("AAA")), (std::vector<qint32>{20050802, 20050803, 20050804, 20050805}));
 }
 
 TEST(StoreWriting, DeleteQuotesTakesBothEndsOfTheRange) {
     const auto days = tradingDays(20050801, 10);  // 1..5, 8..12 August
-    struct Case {
+    const std::vector<qint32> fromNinth(days.begin() + 6, days.end());
+    const struct {
         const char* first;
         const char* last;
         std::vector<qint32> left;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"20050802", "20050804", {20050801, 20050805, 20050808, 20050809, 20050810, 20050811, 20050812}},
-        {"20050806", "20050807", days},                                        // a weekend: nothing
-        {"20050101", "20050808", {20050809, 20050810, 20050811, 20050812}},   // from before the first
-        {"20050812", "20051231", {20050801, 20050802, 20050803, 20050804, 20050805, 20050808, 20050809, 20050810, 20050811}},
+        {"20050806", "20050807", days},  // a weekend: nothing
+        {"20050101", "20050808", fromNinth},
+        {"20050812", "20051231", std::vector<qint32>(days.begin(), days.end() - 1)},
         {"20050101", "20051231", {}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         TempFolder folder;
         makeSecurity(folder.path(), QStringLiteral("AAA"), days);
         SecurityWriter w;
@@ -303,12 +219,12 @@ TEST(StoreWriting, DeleteQuotesTakesBothEndsOfTheRange) {
     }
 }
 
-TEST(StoreWriting, SeedOfANewSecurityIsItsFirstAndLastDate) {
+TEST(StoreWriting, SeedOfANewSecurityIsItsFirstAndLastDateUntilRecordsCome) {
     TempFolder folder;
+    makeSecurity(folder.path(), QStringLiteral("TCS"), {20050801, 20050802});
     SecurityWriter w;
     w.OpenFolder(folder.path());
-    for (const char* sym : {"INFY", "TCS"}) {
-        const QString symbol = QString::fromLatin1(sym);
+    for (const QString& symbol : {QStringLiteral("INFY"), QStringLiteral("TCS")}) {
         if (w.SymbolExists(symbol))
             w.DeleteSecurity(symbol);
         w.CreateSecurity(symbol, symbol, 1);
@@ -317,24 +233,21 @@ TEST(StoreWriting, SeedOfANewSecurityIsItsFirstAndLastDate) {
         w.CloseSecurity();
     }
     w.CloseFolder();
-
     const auto listed = listFolder(folder.path());
     ASSERT_EQ(listed.size(), 2u);
     for (const Listed& l : listed) {
         EXPECT_EQ(l.first, 20050806) << l.symbol.toStdString();
         EXPECT_EQ(l.last, 20050806) << l.symbol.toStdString();
     }
-    EXPECT_TRUE(readBars(folder.path(), QStringLiteral("INFY")).empty());
+    // The security made again starts empty, with a file number not used before.
+    EXPECT_TRUE(readBars(folder.path(), QStringLiteral("TCS")).empty());
+    EXPECT_EQ(listed[1].file, QStringLiteral("F3.DAT"));
 
-    // Records added later take over the dates.
-    {
-        SecurityWriter again;
-        again.OpenFolder(folder.path());
-        again.OpenSecurity(QStringLiteral("TCS"));
-        addBars(again, {barOf(20050808), barOf(20050809)});
-        again.CloseSecurity();
-        again.CloseFolder();
-    }
+    w.OpenFolder(folder.path());
+    w.OpenSecurity(QStringLiteral("TCS"));
+    addBars(w, {barOf(20050808), barOf(20050809)});
+    w.CloseSecurity();
+    w.CloseFolder();
     SecurityReader r;
     r.OpenFolder(folder.path());
     r.FindSecurity(QStringLiteral("TCS"));
@@ -342,31 +255,51 @@ TEST(StoreWriting, SeedOfANewSecurityIsItsFirstAndLastDate) {
     EXPECT_EQ(r.GetLastDate(), 20050809);
 }
 
-TEST(StoreWriting, CreateAgainAfterDeleteStartsEmpty) {
+TEST(StoreWriting, SymbolsAreCheckedOnCreateAndRename) {
     TempFolder folder;
-    makeSecurity(folder.path(), QStringLiteral("AAA"), {20050801, 20050802});
     SecurityWriter w;
     w.OpenFolder(folder.path());
-    ASSERT_TRUE(w.SymbolExists(QStringLiteral("AAA")));
-    w.DeleteSecurity(QStringLiteral("AAA"));
-    EXPECT_FALSE(w.SymbolExists(QStringLiteral("AAA")));
-    w.CreateSecurity(QStringLiteral("AAA"), QStringLiteral("AAA"), 1);
-    w.CloseSecurity();
+    EXPECT_TRUE(contains(failureText([&] { w.CreateSecurity(QStringLiteral("ABCDEFGHIJKLMNO"), QStringLiteral("X"), 1); }),
+                         "longer than 14 characters"));
+    w.CreateSecurity(QStringLiteral("ABCDEFGHIJKLMN"), QStringLiteral("FOURTEEN"), 1);
+    w.CreateSecurity(QStringLiteral("OTHER"), QStringLiteral("OTHER"), 1);
+    EXPECT_THROW(w.CreateSecurity(QStringLiteral("other"), QStringLiteral("X"), 1), Failure);
+    for (const char* taken : {"ABCDEFGHIJKLMN", "abcdefghijklmn"}) {
+        const std::string text = failureText([&] { w.ChangeSecurity(QStringLiteral("OTHER"), QStringLiteral("X"), QString::fromLatin1(taken)); });
+        EXPECT_TRUE(contains(text, "already holds a security with the symbol") && contains(text, taken)) << text;
+    }
+    EXPECT_THROW(w.ChangeSecurity(QStringLiteral("OTHER"), QStringLiteral("X"), QStringLiteral("ABCDEFGHIJKLMNOP")), Failure);
+    EXPECT_THROW(w.ChangeSecurity(QStringLiteral("NONE"), QStringLiteral("X"), QStringLiteral("NEW")), Failure);
+    w.ChangeSecurity(QStringLiteral("OTHER"), QStringLiteral("A Long Name Of Over Sixteen"), QStringLiteral("OTHER"));
+    w.ChangeSecurity(QStringLiteral("ABCDEFGHIJKLMN"), QStringLiteral("Renamed"), QStringLiteral("NEWSYM"));
     w.CloseFolder();
-    EXPECT_TRUE(readBars(folder.path(), QStringLiteral("AAA")).empty());
-    // The deleted security's file number is not used again.
-    EXPECT_EQ(listFolder(folder.path())[0].file, QStringLiteral("F2.DAT"));
+    const auto listed = listFolder(folder.path());
+    ASSERT_EQ(listed.size(), 2u);
+    EXPECT_EQ(listed[0].symbol, QStringLiteral("NEWSYM"));
+    EXPECT_EQ(listed[0].name, QStringLiteral("Renamed"));
+    EXPECT_EQ(listed[1].name, QStringLiteral("A Long Name Of Over Sixteen"));
+    // The long name lies in EMASTER's full-name field; a short one leaves it empty.
+    const QByteArray emaster = readFileBytes(folder.file(QStringLiteral("EMASTER")));
+    EXPECT_EQ(emaster.mid(2 * 192 + 139, 28), QByteArray("A Long Name Of Over Sixteen\0", 28));
+    EXPECT_EQ(emaster.mid(192 + 139, 53), QByteArray(53, '\0'));
 }
 
-TEST(StoreWriting, ObjectGoesThroughManyCycles) {
+TEST(StoreWriting, ObjectGoesThroughManyCyclesAndSurvivesItsFailures) {
     TempFolder a, b;
     makeSecurity(a.path(), QStringLiteral("AAA"), {20050801});
     makeSecurity(b.path(), QStringLiteral("BBB"), {20050801});
     SecurityWriter w;
+    EXPECT_THROW(w.SymbolExists(QStringLiteral("A")), Failure);
+    EXPECT_THROW(w.CreateSecurity(QStringLiteral("A"), QStringLiteral("A"), 1), Failure);
     for (int i = 0; i < 3; ++i) {
         for (const auto& [folder, symbol] : {std::pair(a.path(), QStringLiteral("AAA")), std::pair(b.path(), QStringLiteral("BBB"))}) {
             w.OpenFolder(folder);
+            EXPECT_THROW(w.AddQuote(20050801, 0, 1, 1, 1, 1, 1, 0), Failure);  // nothing selected
+            EXPECT_THROW(w.OpenSecurity(QStringLiteral("NONE")), Failure);
+            EXPECT_THROW(w.DeleteSecurity(QStringLiteral("NONE")), Failure);
             w.OpenSecurity(symbol);
+            EXPECT_THROW(w.AddQuote(20050231, 0, 1, 1, 1, 1, 1, 0), Failure);  // no such day
+            EXPECT_THROW(w.DateExists(QStringLiteral("yesterday")), Failure);
             w.AddQuote(20050802 + i, -1, 1, 1, 1, 1, 1, -1);
             w.CloseSecurity();
             w.OpenSecurity(symbol);
@@ -379,31 +312,12 @@ TEST(StoreWriting, ObjectGoesThroughManyCycles) {
     EXPECT_EQ(readDates(b.path(), QStringLiteral("BBB")), (std::vector<qint32>{20050801, 20050802, 20050803, 20050804}));
 }
 
-TEST(StoreWriting, OperationsWithoutFolderOrSecurityFailAndLeaveTheObjectUsable) {
-    TempFolder folder;
-    SecurityWriter w;
-    EXPECT_THROW(w.SymbolExists(QStringLiteral("A")), Failure);
-    EXPECT_THROW(w.CreateSecurity(QStringLiteral("A"), QStringLiteral("A"), 1), Failure);
-    w.OpenFolder(folder.path());
-    EXPECT_THROW(w.AddQuote(20050801, 0, 1, 1, 1, 1, 1, 0), Failure);
-    EXPECT_THROW(w.OpenSecurity(QStringLiteral("NONE")), Failure);
-    EXPECT_THROW(w.DeleteSecurity(QStringLiteral("NONE")), Failure);
-    w.CreateSecurity(QStringLiteral("A"), QStringLiteral("A"), 1);
-    EXPECT_THROW(w.AddQuote(20050231, 0, 1, 1, 1, 1, 1, 0), Failure);  // no such day
-    EXPECT_THROW(w.DateExists(QStringLiteral("yesterday")), Failure);
-    w.AddQuote(20050801, -1, 1, 1, 1, 1, 1, -1);
-    w.CloseFolder();
-    EXPECT_EQ(readDates(folder.path(), QStringLiteral("A")), std::vector<qint32>{20050801});
-}
-
-TEST(StoreProgress, DefaultProgressIsSilentAndNeverCancelled) {
+TEST(StoreProgress, WithoutAWindowProgressIsSilentAndNeverCancelled) {
     ReadProgress::setFactory({});
     auto p = ReadProgress::create();
     ASSERT_NE(p, nullptr);
     p->Show();
     p->SetRange(0, 3);
-    p->SetMessage(QStringLiteral("Progress...."));
     p->StepIt();
     EXPECT_FALSE(p->GetCancelled());
-    p->Hide();
 }

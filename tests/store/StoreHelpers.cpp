@@ -1,6 +1,11 @@
 #include "StoreHelpers.h"
 
+#include "frame/Failure.h"
 #include "frame/Regional.h"
+#include "support/TestSupport.h"
+
+#include <QDirIterator>
+#include <QFile>
 
 std::vector<Listed> listFolder(const QString& folder) {
     SecurityReader reader;
@@ -49,6 +54,13 @@ Bar barOf(qint32 date, double base) {
     return {date, base + d, base + d + 2, base + d - 1, base + d + 1, 1000.0 + (date % 1000)};
 }
 
+std::vector<Bar> barsOf(const std::vector<qint32>& dates, double base) {
+    std::vector<Bar> out;
+    for (qint32 d : dates)
+        out.push_back(barOf(d, base));
+    return out;
+}
+
 std::vector<qint32> tradingDays(qint32 from, int count) {
     std::vector<qint32> out;
     QDate day = Regional::fromStoreDate(from);
@@ -58,4 +70,45 @@ std::vector<qint32> tradingDays(qint32 from, int count) {
         day = day.addDays(1);
     }
     return out;
+}
+
+void writeFolder(const QString& folder, const std::function<void(SecurityWriter&)>& change) {
+    SecurityWriter w;
+    w.OpenFolder(folder);
+    change(w);
+    w.CloseFolder();
+}
+
+void makeSecurity(const QString& folder, const QString& symbol, const std::vector<qint32>& dates, double base) {
+    writeFolder(folder, [&](SecurityWriter& w) {
+        w.CreateSecurity(symbol, symbol, 1);
+        addBars(w, barsOf(dates, base));
+    });
+}
+
+std::map<QString, QByteArray> snapshot(const QString& folder) {
+    std::map<QString, QByteArray> out;
+    QDirIterator it(folder, QDir::Files);
+    while (it.hasNext()) {
+        it.next();
+        out[it.fileName()] = readFileBytes(it.filePath());
+    }
+    return out;
+}
+
+void copyFolder(const QString& from, const QString& to) {
+    QDirIterator it(from, QDir::Files);
+    while (it.hasNext()) {
+        it.next();
+        QFile::copy(it.filePath(), QDir(to).filePath(it.fileName()));
+    }
+}
+
+std::string failureText(const std::function<void()>& step) {
+    try {
+        step();
+    } catch (const Failure& f) {
+        return f.Description.toStdString();
+    }
+    return "(no failure)";
 }

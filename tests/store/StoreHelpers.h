@@ -1,12 +1,14 @@
 #pragma once
-// Reading a folder back through the store's own API, for the tests' assertions.
+// Reading a folder back through the store's own API, and making folders, for the tests' assertions.
 
 #include "store/SecurityReader.h"
 #include "store/SecurityWriter.h"
 
 #include <QString>
-#include <QStringList>
 
+#include <functional>
+#include <map>
+#include <string>
 #include <vector>
 
 struct Bar {
@@ -30,5 +32,16 @@ std::vector<qint32> readDates(const QString& folder, const QString& symbol);
 void addBars(SecurityWriter& writer, const std::vector<Bar>& bars);
 // A bar whose values derive from its date, so that any record can be told from any other.
 Bar barOf(qint32 date, double base = 10.0);
+std::vector<Bar> barsOf(const std::vector<qint32>& dates, double base = 10.0);
 // Weekdays from `from` on, as store dates.
 std::vector<qint32> tradingDays(qint32 from, int count);
+// Opens a folder in a writer, runs `change` on it and closes it.
+void writeFolder(const QString& folder, const std::function<void(SecurityWriter&)>& change);
+// Adds a security to a folder (made when it has no store) holding barOf() of each date.
+void makeSecurity(const QString& folder, const QString& symbol, const std::vector<qint32>& dates, double base = 10.0);
+
+// The files of a folder and their bytes.
+std::map<QString, QByteArray> snapshot(const QString& folder);
+void copyFolder(const QString& from, const QString& to);
+// The description of the Failure that `step` raises; "(no failure)" when it raises none.
+std::string failureText(const std::function<void()>& step);

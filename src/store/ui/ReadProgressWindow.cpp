@@ -1,11 +1,12 @@
 #include "store/ui/ReadProgressWindow.h"
 
+#include "frame/ui/Centring.h"
+
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QScreen>
 #include <QVBoxLayout>
 
 namespace {
@@ -43,8 +44,7 @@ ReadProgressWindow::ReadProgressWindow(QWidget* parent)
 ReadProgressWindow::~ReadProgressWindow() { hide(); }
 
 void ReadProgressWindow::Show() {
-    if (const QScreen* screen = QGuiApplication::primaryScreen())
-        move(screen->availableGeometry().center() - rect().center());
+    CentreOnScreen(this);
     show();
     QCoreApplication::processEvents();
 }
