@@ -8,6 +8,7 @@
 
 #include <QLabel>
 #include <QProgressBar>
+#include <QTimer>
 
 namespace {
 
@@ -29,83 +30,63 @@ protected:
     const QString folder = temp.sub("data");
 };
 
-TEST_F(DownloadRunScreen, UpToDateDownloadedAndNoData) {
-    const QList<StoredBar> upd = {bar(20261120, 5), bar(20261122, 6)};
+TEST_F(DownloadRunScreen, UpToDateDownloadedNoDataAndNoConnection) {
+    const QList<StoredBar> october = {bar(20261001, 20)}, upd = {bar(20261120, 5), bar(20261122, 6)};
     makeSecurity(folder, "UPD", "Up to date", upd);
     makeSecurity(folder, "DL", "Downloaded", {bar(20261001, 10), bar(20261002, 11), bar(20261005, 12)});
-    makeSecurity(folder, "EMPTY", "A table without rows", {bar(20261001, 20)});
-    makeSecurity(folder, "NOD", "No data", {bar(20261001, 20)});
+    for (const char* symbol : {"EMPTY", "DROP", "NOD"})
+        makeSecurity(folder, symbol, symbol, october);
     // Newest day first, overlapping the stored 2 October.
     replies["DL"] = LoopbackReply::ok(Header + line(bar(20261007, 31)) + line(bar(20261006, 30.5))
                                       + line(bar(20261002, 29.25, 7000)));
-    replies["EMPTY"] = LoopbackReply::ok("a,b,c,d,e,f,g,h,i,j,k,l,m,n");
+    replies["EMPTY"] = LoopbackReply::ok("a,b,c,d,e,f,g,h,i,j,k,l,m,n");   // a table without rows
+    replies["DROP"] = LoopbackReply::ok(Header + QByteArray(4000, 'x'));
+    replies["DROP"].closeMidBody = true;
     addItem("UPD", {2026, 11, 22});
     addItem("DL", {2026, 10, 5});
     addItem("EMPTY", {2026, 10, 1});
+    addItem("DROP", {2026, 10, 1});
     addItem(" NOD ", {2026, 10, 1}, folder + "  ");
+    const QList<StoredBar> dl = {bar(20261001, 10), bar(20261002, 29.25, 7000), bar(20261005, 12),
+                                 bar(20261006, 30.5), bar(20261007, 31)};
 
-    frmDownloadProgress dlg;
-    dlg.Form_Load();
-
-    EXPECT_EQ(lines(dlg.lstDownloadComplete), QStringList({"Upto Date : UPD", "Download Complete : DL",
-                                                           "Download Complete : EMPTY", "No Data Available :  NOD "}));
-    ASSERT_EQ(server.decodedTargets().size(), 3);   // none for the security up to date
-    EXPECT_EQ(server.decodedTargets()[0], "/table.csv?s=DL&d=10&e=23&f=2026&g=d&a=7&b=31&c=2026&ignore=.csv");
-    EXPECT_TRUE(server.decodedTargets()[2].startsWith("/table.csv?s=NOD&"));
-
-    // The labels show the counts from before the last item; the counters add up to the items.
-    EXPECT_EQ(QStringList({dlg.Label7->text(), dlg.Label8->text(), dlg.Label9->text()}),
-              QStringList({"2", "1", "0"}));
-    EXPECT_EQ(dlg.c + dlg.u + dlg.No, 4);
-    EXPECT_EQ(dlg.No, 1);
-    EXPECT_EQ(dlg.Label3->text(), " NOD ");
-    EXPECT_EQ(dlg.Label1->text(), " NOD ");
-    EXPECT_EQ(dlg.PB->maximum(), 4);
-    EXPECT_EQ(dlg.PB->value(), 4);
-    EXPECT_EQ(dlg.PB1->value(), 0);
-    EXPECT_EQ(dlg.windowTitle(), "Download Completed. / ");
-    EXPECT_EQ(dlg.Command1->text(), "&Close");
-    ASSERT_EQ(platform_.boxes.size(), 1);
-    EXPECT_EQ(platform_.boxes[0].text, "Download Completed.");
-    EXPECT_EQ(platform_.boxes[0].icon, MsgIcon::Information);
-    EXPECT_EQ(platform_.boxes[0].title, "Brindlemark v6");
-
-    // The reply wins on 2 October, the older dates stay, the new ones come in.
-    EXPECT_EQ(storedBars(folder, "DL"), QList<StoredBar>({bar(20261001, 10), bar(20261002, 29.25, 7000),
-                                                          bar(20261005, 12), bar(20261006, 30.5), bar(20261007, 31)}));
-    EXPECT_EQ(storedBars(folder, "UPD"), upd);
-    EXPECT_EQ(storedBars(folder, "EMPTY"), QList<StoredBar>({bar(20261001, 20)}));
-    EXPECT_EQ(storedBars(folder, "NOD"), QList<StoredBar>({bar(20261001, 20)}));
-
-    dlg.Command1->click();
-    EXPECT_FALSE(dlg.isVisible());
-    EXPECT_EQ(dlg.Command1->text(), "Cancel");
-}
-
-TEST_F(DownloadRunScreen, TheSameReplyMergedTwiceGivesTheSameRecords) {
-    makeSecurity(folder, "DL", "Downloaded", {bar(20261001, 10), bar(20261002, 11)});
-    replies["DL"] = LoopbackReply::ok(Header + line(bar(20261003, 12.5)) + line(bar(20261002, 12))
-                                      + line(bar(20261001, 11.5)));
-    addItem("DL", {2026, 10, 2});
-    const QList<StoredBar> expected = {bar(20261001, 11.5), bar(20261002, 12), bar(20261003, 12.5)};
-    for (int run = 0; run < 2; ++run) {
+    // The same reply merged a second time leaves the same records: each date replaced, none doubled.
+    for (int run = 1; run <= 2; ++run) {
+        SCOPED_TRACE(run);
+        server.targets.clear();
+        platform_.boxes.clear();
         frmDownloadProgress dlg;
         dlg.Form_Load();
-        EXPECT_EQ(lines(dlg.lstDownloadComplete), QStringList({"Download Complete : DL"}));
-        EXPECT_EQ(storedBars(folder, "DL"), expected) << "run " << run;
-    }
-}
 
-TEST_F(DownloadRunScreen, NoConnectionTouchesNoCounterAndNoSecurity) {
-    securitiesFromOctober({"A", "B"});
-    ServiceAddresses::setYahooQuotes(QStringLiteral("http://127.0.0.1:%1").arg(LoopbackHttpServer::deadPort()));
-    frmDownloadProgress dlg;
-    dlg.Form_Load();
-    EXPECT_EQ(lines(dlg.lstDownloadComplete),
-              QStringList({"No Internet Connection : A", "No Internet Connection : B"}));
-    EXPECT_EQ(dlg.c + dlg.u + dlg.No, 0);
-    EXPECT_EQ(dlg.Label7->text(), "0");
-    EXPECT_EQ(storedBars(folder, "A"), QList<StoredBar>({bar(20261001, 10)}));
+        EXPECT_EQ(lines(dlg.lstDownloadComplete),
+                  QStringList({"Upto Date : UPD", "Download Complete : DL", "Download Complete : EMPTY",
+                               "No Internet Connection : DROP", "No Data Available :  NOD "}));
+        ASSERT_EQ(server.decodedTargets().size(), 4);   // none for the security up to date
+        EXPECT_EQ(server.decodedTargets()[0], "/table.csv?s=DL&d=10&e=23&f=2026&g=d&a=7&b=31&c=2026&ignore=.csv");
+        EXPECT_TRUE(server.decodedTargets()[3].startsWith("/table.csv?s=NOD&"));
+
+        // The labels show the counts from before the last item; no connection counts nowhere.
+        EXPECT_EQ(QStringList({dlg.Label7->text(), dlg.Label8->text(), dlg.Label9->text()}),
+                  QStringList({"2", "1", "0"}));
+        EXPECT_EQ(QList<int>({dlg.c, dlg.u, dlg.No}), QList<int>({2, 1, 1}));
+        EXPECT_EQ(dlg.Label3->text(), " NOD ");
+        EXPECT_EQ(dlg.Label1->text(), " NOD ");
+        EXPECT_EQ(QList<int>({dlg.PB->maximum(), dlg.PB->value(), dlg.PB1->value()}), QList<int>({5, 5, 0}));
+        EXPECT_EQ(dlg.windowTitle(), "Download Completed. / ");
+        ASSERT_EQ(platform_.boxes.size(), 1);
+        expectBox(platform_.boxes[0], "Download Completed.", "Brindlemark v6");
+
+        // The reply wins on 2 October, the older dates stay, the new ones come in.
+        EXPECT_EQ(storedBars(folder, "DL"), dl);
+        EXPECT_EQ(storedBars(folder, "UPD"), upd);
+        for (const char* symbol : {"EMPTY", "DROP", "NOD"})
+            EXPECT_EQ(storedBars(folder, symbol), october) << symbol;
+
+        EXPECT_EQ(dlg.Command1->text(), "&Close");
+        dlg.Command1->click();
+        EXPECT_FALSE(dlg.isVisible());
+        EXPECT_EQ(dlg.Command1->text(), "Cancel");
+    }
 }
 
 TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
@@ -150,53 +131,44 @@ TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
     }
 }
 
-TEST_F(DownloadRunScreen, AnItemWithoutALastDate) {
+// An item whose NextDate is no date ("N/A" in the list) or whose security is missing ends the
+// run at once while nothing has been fetched yet; behind a fetch its failing steps are passed over.
+TEST_F(DownloadRunScreen, AFailingItemEndsTheRunOnlyBeforeTheFirstFetch) {
     makeSecurity(folder, "A", "A", {bar(20261001, 10)});
-    replies["A"] = LoopbackReply::ok(Header + line(bar(20261002, 11)));
-    // First in the run: nothing has been fetched yet, so the run ends at once, without a line.
-    Module1::DownloadItems.append({"NA", "", "", folder});
-    addItem("A", {2026, 10, 1});
-    {
-        frmDownloadProgress dlg;
-        dlg.Form_Load();
-        EXPECT_EQ(dlg.lstDownloadComplete->count(), 0);
-        EXPECT_EQ(dlg.windowTitle(), "Download Progress");
-        EXPECT_EQ(dlg.Command1->text(), "&Close");
-        EXPECT_TRUE(server.targets.isEmpty());
-        EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
-    }
-    // After a fetch it takes the up-to-date path.
-    Module1::DownloadItems.clear();
-    addItem("A", {2026, 10, 1});
-    Module1::DownloadItems.append({"NA", "", "", folder});
-    frmDownloadProgress dlg;
-    dlg.Form_Load();
-    EXPECT_EQ(lines(dlg.lstDownloadComplete), QStringList({"Download Complete : A", "Upto Date : NA"}));
-    EXPECT_EQ(dlg.u + dlg.c, 2);
-    EXPECT_EQ(dlg.windowTitle(), "Download Completed. / ");
-}
-
-TEST_F(DownloadRunScreen, AMissingSecurityEndsTheRunOnlyBeforeTheFirstFetch) {
-    makeSecurity(folder, "A", "A", {bar(20261001, 10)});
-    addItem("UPD", {2026, 11, 22});
-    addItem("MISSING", {2026, 10, 1});
-    addItem("A", {2026, 10, 1});
-    {
-        frmDownloadProgress dlg;
-        dlg.Form_Load();
-        EXPECT_EQ(lines(dlg.lstDownloadComplete), QStringList({"Upto Date : UPD"}));
-        EXPECT_EQ(dlg.windowTitle(), "1 of 3 Completed. / ");
-        EXPECT_TRUE(server.targets.isEmpty());
-        EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
-    }
-    // Behind a fetch the failing steps are passed over; the line follows from the reply alone.
-    std::swap(Module1::DownloadItems[2], Module1::DownloadItems[3]);
     replies["A"] = replies["MISSING"] = LoopbackReply::ok(Header + line(bar(20261002, 11)));
-    frmDownloadProgress dlg;
-    dlg.Form_Load();
-    EXPECT_EQ(lines(dlg.lstDownloadComplete),
-              QStringList({"Upto Date : UPD", "Download Complete : A", "Download Complete : MISSING"}));
-    EXPECT_EQ(server.targets.size(), 2);
+    const DownloadItem noDate{"NA", "", "", folder};
+    const DownloadItem missing{"MISSING", Regional::dateText({2026, 9, 1}), Regional::dateText({2026, 10, 2}), folder};
+    const struct {
+        DownloadItem bad;
+        QString lineBehindAFetch;
+    } cases[] = {{noDate, "Upto Date : NA"}, {missing, "Download Complete : MISSING"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.bad.Symbol.toStdString());
+        for (bool behindAFetch : {false, true}) {
+            Module1::DownloadItems.clear();
+            server.targets.clear();
+            platform_.boxes.clear();
+            addItem("UPD", {2026, 11, 22});
+            Module1::DownloadItems.append(c.bad);
+            addItem("A", {2026, 10, 1});
+            if (behindAFetch)
+                std::swap(Module1::DownloadItems[2], Module1::DownloadItems[3]);
+            frmDownloadProgress dlg;
+            dlg.Form_Load();
+            EXPECT_EQ(dlg.Command1->text(), "&Close");
+            EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
+            if (!behindAFetch) {
+                EXPECT_EQ(lines(dlg.lstDownloadComplete), QStringList({"Upto Date : UPD"}));
+                EXPECT_EQ(dlg.windowTitle(), "1 of 3 Completed. / ");
+                EXPECT_TRUE(server.targets.isEmpty());
+            } else {
+                EXPECT_EQ(lines(dlg.lstDownloadComplete),
+                          QStringList({"Upto Date : UPD", "Download Complete : A", c.lineBehindAFetch}));
+                EXPECT_EQ(dlg.c + dlg.u + dlg.No, 3);
+                EXPECT_EQ(dlg.windowTitle(), "Download Completed. / ");
+            }
+        }
+    }
 }
 
 TEST_F(DownloadRunScreen, ShownModallyTheRunStartsByItselfAndAskForNothingUpToDate) {
@@ -204,7 +176,7 @@ TEST_F(DownloadRunScreen, ShownModallyTheRunStartsByItselfAndAskForNothingUpToDa
     addItem("B", {2026, 11, 30});
     frmDownloadProgress dlg;
     QStringList seen;
-    closeProgressWhenDone([&](QWidget*) {
+    closeProgressAtItsBox(platform_, [&](QWidget*) {
         seen = lines(dlg.lstDownloadComplete);
         EXPECT_EQ(dlg.Label1->text(), "Connecting...");
     });

@@ -2,12 +2,10 @@
 
 #include "DownloadTestKit.h"
 
-#include "download/FoldersFile.h"
 #include "download/ui/frmDownload.h"
 #include "frame/Module1.h"
 #include "frame/Regional.h"
 
-#include <QApplication>
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QLabel>
@@ -68,33 +66,17 @@ TEST_F(Downloader, FoldersFileRoundTrip) {
     EXPECT_TRUE(QFileInfo::exists(foldersFile()));
     EXPECT_EQ(readFileBytes(foldersFile()), "");
 
-    writeTextFile(foldersFile(), "C:\\Data\\Stocks\r\n/data/x,y\r\n   /lead  \r\n\"/quoted, with comma\"\r\n");
+    // Fields end at a comma or a line end; a quoted field runs to its closing quote.
+    writeTextFile(foldersFile(), "C:\\Data\\Stocks\n/data/x,y\r\n   /lead  \r\n\"/quoted, with comma\" \r\n\r\n/last");
     {
         frmDownload dlg;
-        EXPECT_EQ(rows(dlg.ListView2), QStringList({"C:\\Data\\Stocks", "/data/x", "y", "/lead  ", "/quoted, with comma"}));
+        EXPECT_EQ(rows(dlg.ListView2), QStringList({"C:\\Data\\Stocks", "/data/x", "y", "/lead  ", "/quoted, with comma", "", "/last"}));
         EXPECT_EQ(dlg.ListView2->topLevelItem(0)->checkState(0), Qt::Unchecked);
         dlg.Command5->click();
     }
-    EXPECT_EQ(readFileBytes(foldersFile()), "C:\\Data\\Stocks\r\n/data/x\r\ny\r\n/lead\r\n/quoted, with comma\r\n");
+    EXPECT_EQ(readFileBytes(foldersFile()), "C:\\Data\\Stocks\r\n/data/x\r\ny\r\n/lead\r\n/quoted, with comma\r\n\r\n/last\r\n");
     frmDownload again;   // the path with a comma is two rows now
-    EXPECT_EQ(rows(again.ListView2), QStringList({"C:\\Data\\Stocks", "/data/x", "y", "/lead", "/quoted", "with comma"}));
-}
-
-TEST(FoldersFileFields, FieldsEndAtCommasAndLineEnds) {
-    const struct {
-        QByteArray bytes;
-        QStringList fields;
-    } cases[] = {
-        {"", {}},
-        {"C:\\Data", {"C:\\Data"}},
-        {"/a\n/b\n", {"/a", "/b"}},
-        {"/a,/b\r\n/c", {"/a", "/b", "/c"}},
-        {"   /lead\t\r\n", {"/lead\t"}},
-        {"\"/x, y\" \r\n/z\r\n", {"/x, y", "/z"}},
-        {"/a\r\n\r\n/b\r\n", {"/a", "", "/b"}},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(FoldersFile::delimitedFields(c.bytes), c.fields) << c.bytes.toStdString();
+    EXPECT_EQ(rows(again.ListView2), QStringList({"C:\\Data\\Stocks", "/data/x", "y", "/lead", "/quoted", "with comma", "", "/last"}));
 }
 
 TEST_F(Downloader, BrowseAddRemoveAndRemoveAll) {
@@ -114,9 +96,7 @@ TEST_F(Downloader, BrowseAddRemoveAndRemoveAll) {
     }
     EXPECT_EQ(rows(dlg.ListView2), QStringList({"/data/one", "/DATA/one", "/data/two\\"}));
     ASSERT_EQ(platform_.boxes.size(), 1);
-    EXPECT_EQ(platform_.boxes[0].text, "Already Exists.");
-    EXPECT_EQ(platform_.boxes[0].title, "Marrowfin");
-    EXPECT_EQ(platform_.boxes[0].icon, MsgIcon::Information);
+    expectBox(platform_.boxes[0], "Already Exists.", "Marrowfin");
 
     dlg.Command3->click();   // no row selected
     EXPECT_EQ(dlg.ListView2->topLevelItemCount(), 3);
@@ -127,8 +107,7 @@ TEST_F(Downloader, BrowseAddRemoveAndRemoveAll) {
     dlg.Command6->click();
     EXPECT_EQ(dlg.ListView2->topLevelItemCount(), 0);
     dlg.Command4->click();
-    EXPECT_EQ(platform_.boxTexts().last(), "No Securities Selected.");
-    EXPECT_EQ(platform_.boxes.last().title, "Marrowfin");
+    expectBox(platform_.boxes.last(), "No Securities Selected.", "Marrowfin");
     EXPECT_TRUE(Module1::DownloadItems.isEmpty());
 }
 
@@ -195,9 +174,7 @@ TEST_F(Downloader, AFolderWithoutAStoreIsRemoved) {
     const QString before = dlg.Label1->text();
     tick(dlg.ListView2, 1, true);
     ASSERT_EQ(platform_.boxes.size(), 1);
-    EXPECT_EQ(platform_.boxes[0].text, "No MetaStock Files Found.");
-    EXPECT_EQ(platform_.boxes[0].title, "Fernwoodglade");
-    EXPECT_EQ(platform_.boxes[0].icon, MsgIcon::Information);
+    expectBox(platform_.boxes[0], "No MetaStock Files Found.", "Fernwoodglade");
     EXPECT_EQ(rows(dlg.ListView2), QStringList({one}));
     EXPECT_EQ(dlg.ListView1->topLevelItemCount(), 3);
     EXPECT_EQ(dlg.Label1->text(), before);
@@ -220,7 +197,7 @@ TEST_P(DownloaderHandOver, ItemsCarryDatesTheRunReadsBack) {
     tick(dlg.ListView1, 1, true);   // Alpha, up to date, ticked by hand
 
     QStringList progressLines;
-    closeProgressWhenDone([&](QWidget* modal) { progressLines = lines(child<QListWidget>(modal, "lstDownloadComplete")); });
+    closeProgressAtItsBox(platform_, [&](QWidget* modal) { progressLines = lines(child<QListWidget>(modal, "lstDownloadComplete")); });
     dlg.Command4->click();
     EXPECT_FALSE(dlg.isVisible());
 

@@ -12,16 +12,14 @@
 #include "support/ScriptedPlatform.h"
 #include "support/TestSupport.h"
 
+#include <QApplication>
 #include <QListWidget>
 #include <QMap>
 #include <QPushButton>
-#include <QTimer>
 #include <QUrlQuery>
-
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <memory>
 #include <ostream>
 
 inline const QByteArray Header = "Date,Open,High,Low,Close,Volume,Adj Close\n";
@@ -49,6 +47,7 @@ inline QByteArray line(const StoredBar& b) {
     return text + '\n';
 }
 
+// A security with these records, written through the store; and its records read back.
 inline void makeSecurity(const QString& folder, const QString& symbol, const QString& name,
                          const QList<StoredBar>& bars) {
     SecurityWriter writer;
@@ -76,6 +75,13 @@ inline QList<StoredBar> storedBars(const QString& folder, const QString& symbol)
     return bars;
 }
 
+// A message box as the test expects it: information style.
+inline void expectBox(const ShownBox& box, const QString& text, const QString& title) {
+    EXPECT_EQ(box.text, text);
+    EXPECT_EQ(box.title, title);
+    EXPECT_EQ(box.icon, MsgIcon::Information);
+}
+
 inline QStringList lines(const QListWidget* list) {
     QStringList texts;
     for (int i = 0; list && i < list->count(); ++i)
@@ -83,25 +89,15 @@ inline QStringList lines(const QListWidget* list) {
     return texts;
 }
 
-// Waits for the next Download Progress window to finish its run (its button reads "&Close"),
-// lets `inspect` look at it, then presses Close. Polls from the event loop, so that the run's
-// own waits can end meanwhile.
-inline void closeProgressWhenDone(std::function<void(QWidget* progress)> inspect) {
-    onNextModal([inspect](QWidget* modal) {
-        auto* button = child<QPushButton>(modal, "Command1");
-        auto* poll = new QTimer;
-        auto tries = std::make_shared<int>(0);
-        QObject::connect(poll, &QTimer::timeout, [=] {
-            if (button->text() != "&Close" && ++*tries < 1000)
-                return;
-            poll->deleteLater();
-            poll->stop();
-            EXPECT_EQ(button->text(), "&Close") << "the run did not end";
-            inspect(modal);
-            button->click();
-        });
-        poll->start(10);
-    });
+// When the run of the modal Download Progress window shows its closing box, `inspect` looks at
+// the window and Close is pressed (the button reads "&Close" before that box comes up).
+inline void closeProgressAtItsBox(ScriptedPlatform& platform, std::function<void(QWidget* progress)> inspect) {
+    platform.onBox = [inspect](const ShownBox&) {
+        QWidget* progress = QApplication::activeModalWidget();
+        ASSERT_NE(progress, nullptr);
+        inspect(progress);
+        child<QPushButton>(progress, "Command1")->click();
+    };
 }
 
 // The quotes service on the loopback server: each symbol gets its entry of `replies`, or a
