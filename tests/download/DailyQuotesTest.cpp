@@ -9,12 +9,13 @@ namespace {
 
 class DailyQuotes : public DownloadTest {
 protected:
-    // Serves `body` and fetches ABC; returns Error.
-    int fetch(const QByteArray& body, int status = 200) {
-        server.serve(LoopbackReply::withStatus(status, body));
+    // Serves the reply and fetches ABC; returns Error.
+    int fetch(const LoopbackReply& reply) {
+        server.serve(reply);
         dq.DownloadDailyQuotes("ABC", QDate(2005, 7, 1), QDate(2005, 8, 5));
         return dq.Error;
     }
+    int fetch(const QByteArray& body, int status = 200) { return fetch(LoopbackReply::withStatus(status, body)); }
     static const QuoteRecord& quote(int index) { return Module1::Quotes[index]; }
 
     Inet inet;
@@ -130,11 +131,8 @@ TEST_F(DailyQuotes, AFailedTransferIsErrorThreeAndAnOversizedReplyNoData) {
     LoopbackReply slow = LoopbackReply::ok(Header + "2005-08-05,10,11,9,10.5,100,10.5\n");
     slow.delayMs = 1500;
     inet.RequestTimeoutMs = 300;
-    for (const LoopbackReply& reply : {cut, slow}) {
-        server.serve(reply);
-        dq.DownloadDailyQuotes("ABC", QDate(2005, 7, 1), QDate(2005, 8, 5));
-        EXPECT_EQ(dq.Error, 3);
-    }
+    EXPECT_EQ(fetch(cut), 3);
+    EXPECT_EQ(fetch(slow), 3);
     inet.MaxReplyBytes = 1000;
     EXPECT_EQ(fetch(Header + QByteArray(5000, '1')), 2);
 

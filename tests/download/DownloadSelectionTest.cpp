@@ -152,10 +152,19 @@ TEST_F(Downloader, TickingFoldersAndRows) {
     EXPECT_EQ(dlg.Label1->text(), "No Securities Selected.");
 }
 
-TEST_F(Downloader, RemovingFoldersKeepsTheRowsUntilTheLastIsGone) {
+TEST_F(Downloader, AFolderWithoutAStoreGoesAndRemovedFoldersKeepTheirRowsUntilTheLast) {
     makeFolders();
+    writeTextFile(foldersFile(), (one + "\r\n" + temp.sub("no-store") + "\r\n" + two + "\r\n").toUtf8());
     frmDownload dlg;
     tick(dlg.ListView2, 0, true);
+    tick(dlg.ListView2, 1, true);
+    ASSERT_EQ(platform_.boxes.size(), 1);
+    expectBox(platform_.boxes[0], "No MetaStock Files Found.", "Fernwoodglade");
+    EXPECT_EQ(rows(dlg.ListView2), QStringList({one, two}));
+    EXPECT_EQ(dlg.ListView1->topLevelItemCount(), 3);
+    EXPECT_EQ(dlg.Label1->text(), "1 Securities Selected.");
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+
     tick(dlg.ListView2, 1, true);
     for (int removed = 1; removed <= 2; ++removed) {
         dlg.ListView2->setCurrentItem(dlg.ListView2->topLevelItem(0));
@@ -163,22 +172,6 @@ TEST_F(Downloader, RemovingFoldersKeepsTheRowsUntilTheLastIsGone) {
         EXPECT_EQ(dlg.ListView1->topLevelItemCount(), removed == 1 ? 5 : 0);
     }
     EXPECT_EQ(dlg.Label1->text(), "2 Securities Selected.");
-}
-
-TEST_F(Downloader, AFolderWithoutAStoreIsRemoved) {
-    makeFolders();
-    const QString nothing = temp.sub("nothing-here");
-    writeTextFile(foldersFile(), (one + "\r\n" + nothing + "\r\n").toUtf8());
-    frmDownload dlg;
-    tick(dlg.ListView2, 0, true);
-    const QString before = dlg.Label1->text();
-    tick(dlg.ListView2, 1, true);
-    ASSERT_EQ(platform_.boxes.size(), 1);
-    expectBox(platform_.boxes[0], "No MetaStock Files Found.", "Fernwoodglade");
-    EXPECT_EQ(rows(dlg.ListView2), QStringList({one}));
-    EXPECT_EQ(dlg.ListView1->topLevelItemCount(), 3);
-    EXPECT_EQ(dlg.Label1->text(), before);
-    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 // The items handed over, and the run reading back the dates the selection wrote.
