@@ -8,11 +8,15 @@
 #include "support/ScriptedPlatform.h"
 #include "support/TestSupport.h"
 
-#include <QAbstractButton>
 #include <QDir>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPushButton>
 #include <QStringList>
+
+#include <algorithm>
+#include <ostream>
 
 namespace createkit {
 
@@ -29,45 +33,31 @@ inline QStringList lines(const QListWidget* list) {
     return texts;
 }
 
-struct StoredSecurity {
-    QString name;
-    QString symbol;
-    qint32 firstDate = 0;
-    qint32 lastDate = 0;
-    qint32 records = -1;
-    qint32 periodicity = 0;
+// One security as SecurityReader gives it back.
+struct Stored {
+    QString symbol, name;
+    qint32 firstDate = 0, lastDate = 0, records = 0, periodicity = 1;
+    bool operator==(const Stored&) const = default;
 };
 
-// Every security of the folder, in the store's order, with its record count.
-inline QList<StoredSecurity> readStore(const QString& folder) {
-    QList<StoredSecurity> found;
+inline void PrintTo(const Stored& s, std::ostream* os) {
+    *os << s.symbol.toStdString() << "/" << s.name.toStdString() << " " << s.firstDate << ".." << s.lastDate
+        << " records " << s.records << " periodicity " << s.periodicity;
+}
+
+// Every security of the folder, sorted by symbol.
+inline QList<Stored> readStore(const QString& folder) {
+    QList<Stored> found;
     SecurityReader reader;
     reader.OpenFolder(folder);
     while (reader.GetSecuritiesRemaining() > 0) {
         reader.NextSecurity();
-        found.append({reader.GetName(), reader.GetSymbol(), 0, reader.GetLastDate(), -1, 0});
+        found.append({reader.GetSymbol(), reader.GetName(), reader.GetFirstDate(), reader.GetLastDate(),
+                      reader.GetRecordCount(), reader.GetPeriodicity()});
     }
     reader.CloseFolder();
-    for (StoredSecurity& security : found) {
-        reader.OpenFolder(folder);
-        reader.FindSecurity(security.name);
-        security.firstDate = reader.GetFirstDate();
-        security.lastDate = reader.GetLastDate();
-        reader.CloseSecurity();
-        reader.OpenSecurity(security.symbol);
-        security.records = reader.GetRecordCount();
-        security.periodicity = reader.GetPeriodicity();
-        reader.CloseSecurity();
-        reader.CloseFolder();
-    }
+    std::sort(found.begin(), found.end(), [](const Stored& a, const Stored& b) { return a.symbol < b.symbol; });
     return found;
-}
-
-inline QStringList storedSymbols(const QString& folder) {
-    QStringList symbols;
-    for (const StoredSecurity& security : readStore(folder))
-        symbols << security.symbol;
-    return symbols;
 }
 
 // Makes a security with daily records from 20050801 on, as a download would have left it.

@@ -7,21 +7,11 @@
 #include "frame/WebLinks.h"
 
 #include <QComboBox>
-#include <QLabel>
-#include <QPushButton>
 #include <QTest>
 
 using namespace createkit;
 
 namespace {
-
-const QByteArray Symbols =
-    "NSE,INFY.NS,Infosys\n"
-    "NSE,TCS.NS,Tata Consultancy Services\n"
-    "NSE,WIPRO.NS,Wipro\n"
-    "NYSE,IBM,International Business Machines\n"
-    "NYSE,GE,General Electric\n"
-    "\"Indices, India\",^NSEI,\"Nifty 50\"\n";
 
 QStringList selectedSymbols() {
     QStringList symbols;
@@ -30,7 +20,7 @@ QStringList selectedSymbols() {
     return symbols;
 }
 
-QStringList comboLines(const QComboBox* combo) {
+QStringList groups(const QComboBox* combo) {
     QStringList texts;
     for (int i = 0; i < combo->count(); ++i)
         texts << combo->itemText(i);
@@ -40,25 +30,23 @@ QStringList comboLines(const QComboBox* combo) {
 class SymbolLookup : public ::testing::Test {
 protected:
     ScriptedPlatform services;
-
-    // Clicks a line of the list the way the user does, with the keyboard modifiers held.
-    static void clickLine(frmSymbolLookup& dialog, int row, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QListWidget* list = dialog.lstSymbolNames;
-        const QRect rect = list->visualItemRect(list->item(row));
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, modifiers, rect.center());
+    void SetUp() override {
+        loadSymbolList(services, "NSE,INFY.NS,Infosys\nNSE,TCS.NS,Tata Consultancy Services\nNSE,WIPRO.NS,Wipro\n"
+                                 "NYSE,IBM,International Business Machines\n\"Indices, India\",^NSEI,\"Nifty 50\"\n");
     }
 };
 
 TEST_F(SymbolLookup, OpensOnTheFirstGroupWithItsFirstLineSelected) {
-    loadSymbolList(services, Symbols);
     frmSymbolLookup dialog;
-    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Symbol Lookup"));
-    EXPECT_EQ(comboLines(dialog.cmbGroups),
-              (QStringList{QStringLiteral("NSE"), QStringLiteral("NYSE"), QStringLiteral("Indices, India")}));
+    EXPECT_EQ(QStringList({dialog.windowTitle(), dialog.Label1->text(), dialog.Label2->text(), dialog.Command1->text(),
+                           dialog.Command2->text(), dialog.Label3->text()}),
+              (QStringList{"Symbol Lookup", "Group", "Symbol", "Select", "Close",
+                           "This Symbol Lookup is not have complete list of symbols or all of them are not accurate. "
+                           "If you found that a symbols is not available or not valid, please mail me to "
+                               + WebLinks::MakerEmail}));
+    EXPECT_EQ(groups(dialog.cmbGroups), (QStringList{"NSE", "NYSE", "Indices, India"}));
     EXPECT_EQ(dialog.cmbGroups->currentIndex(), 0);
-    EXPECT_EQ(lines(dialog.lstSymbolNames),
-              (QStringList{QStringLiteral("Infosys"), QStringLiteral("Tata Consultancy Services"),
-                           QStringLiteral("Wipro")}));
+    EXPECT_EQ(lines(dialog.lstSymbolNames), (QStringList{"Infosys", "Tata Consultancy Services", "Wipro"}));
     ASSERT_EQ(dialog.lstSymbolNames->selectedItems().size(), 1);
     EXPECT_EQ(dialog.lstSymbolNames->selectedItems()[0]->text(), QStringLiteral("Infosys"));
     EXPECT_EQ(dialog.txtSymbol->text(), QStringLiteral("INFY.NS"));
@@ -69,121 +57,68 @@ TEST_F(SymbolLookup, OpensOnTheFirstGroupWithItsFirstLineSelected) {
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
 }
 
-TEST_F(SymbolLookup, ShowsItsCaptionsAndTheNotice) {
-    loadSymbolList(services, Symbols);
-    frmSymbolLookup dialog;
-    EXPECT_EQ(dialog.Command1->text(), QStringLiteral("Select"));
-    EXPECT_EQ(dialog.Command2->text(), QStringLiteral("Close"));
-    EXPECT_EQ(dialog.Label1->text(), QStringLiteral("Group"));
-    EXPECT_EQ(dialog.Label2->text(), QStringLiteral("Symbol"));
-    EXPECT_EQ(child<QLabel>(&dialog, QStringLiteral("Label3"))->text(),
-              QStringLiteral("This Symbol Lookup is not have complete list of symbols or all of them are not "
-                             "accurate. If you found that a symbols is not available or not valid, please mail "
-                             "me to ") + WebLinks::MakerEmail);
-    EXPECT_EQ(dialog.lstSymbolNames->selectionMode(), QAbstractItemView::ExtendedSelection);
-}
-
 TEST_F(SymbolLookup, SeveralLinesComeBackInListOrderAndTheSymbolFollowsTheLastClick) {
-    loadSymbolList(services, Symbols);
     frmSymbolLookup dialog;
     dialog.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-
-    clickLine(dialog, 2);
-    EXPECT_EQ(dialog.txtSymbol->text(), QStringLiteral("WIPRO.NS"));
-    clickLine(dialog, 0, Qt::ControlModifier);
-    EXPECT_EQ(dialog.txtSymbol->text(), QStringLiteral("INFY.NS"));
+    const auto click = [&](int row, Qt::KeyboardModifiers modifiers) {   // as the user clicks
+        QListWidget* list = dialog.lstSymbolNames;
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, modifiers, list->visualItemRect(list->item(row)).center());
+        return dialog.txtSymbol->text();
+    };
+    EXPECT_EQ(click(2, Qt::NoModifier), QStringLiteral("WIPRO.NS"));
+    EXPECT_EQ(click(0, Qt::ControlModifier), QStringLiteral("INFY.NS"));
     EXPECT_EQ(dialog.lstSymbolNames->selectedItems().size(), 2);
-
     dialog.Command1->click();
-    EXPECT_EQ(selectedSymbols(), (QStringList{QStringLiteral("INFY.NS"), QStringLiteral("WIPRO.NS")}));
+    EXPECT_EQ(selectedSymbols(), (QStringList{"INFY.NS", "WIPRO.NS"}));
 }
 
-TEST_F(SymbolLookup, AnotherGroupReplacesTheListAndItsSelection) {
-    loadSymbolList(services, Symbols);
-    frmSymbolLookup dialog;
-    dialog.lstSymbolNames->selectAll();
-    dialog.cmbGroups->setCurrentIndex(1);
-    EXPECT_EQ(lines(dialog.lstSymbolNames),
-              (QStringList{QStringLiteral("International Business Machines"), QStringLiteral("General Electric")}));
-    EXPECT_EQ(dialog.txtSymbol->text(), QStringLiteral("IBM"));
-    dialog.cmbGroups->setCurrentIndex(2);
-    EXPECT_EQ(lines(dialog.lstSymbolNames), QStringList{QStringLiteral("Nifty 50")});
-    dialog.Command1->click();
-    EXPECT_EQ(selectedSymbols(), QStringList{QStringLiteral("^NSEI")});
-}
-
-TEST_F(SymbolLookup, CloseLeavesSelectedSymbolsAsTheyWere) {
-    loadSymbolList(services, Symbols);
-    Module1::SelectedSymbols.append(QStringLiteral("EARLIER"));
-    frmSymbolLookup dialog;
-    dialog.lstSymbolNames->selectAll();
-    dialog.Command2->click();
-    EXPECT_EQ(dialog.result(), QDialog::Rejected);
-    EXPECT_EQ(selectedSymbols(), QStringList{QStringLiteral("EARLIER")});
-}
-
-TEST_F(SymbolLookup, SelectWithNoLineSelectedHandsBackNothing) {
-    loadSymbolList(services, Symbols);
-    Module1::SelectedSymbols.append(QStringLiteral("EARLIER"));
-    frmSymbolLookup dialog;
-    dialog.lstSymbolNames->clearSelection();
-    dialog.Command1->click();
-    EXPECT_EQ(Module1::SelectedSymbols.upperBound(), 0);
-}
-
-TEST_F(SymbolLookup, AGroupInTwoRunsGetsTwoLinesEachShowingTheWholeGroup) {
-    loadSymbolList(services,
-                   "NSE,A.NS,Alpha\n"
-                   "NSE,B.NS,Beta\n"
-                   "BSE,C.BO,Gamma\n"
-                   "NSE,D.NS,Delta\n"
-                   "nse,E.NS,Epsilon\n");
-    frmSymbolLookup dialog;
-    EXPECT_EQ(comboLines(dialog.cmbGroups), (QStringList{QStringLiteral("NSE"), QStringLiteral("BSE"),
-                                                         QStringLiteral("NSE"), QStringLiteral("nse")}));
-    const QStringList wholeGroup{QStringLiteral("Alpha"), QStringLiteral("Beta"), QStringLiteral("Delta")};
-    EXPECT_EQ(lines(dialog.lstSymbolNames), wholeGroup);
-    dialog.cmbGroups->setCurrentIndex(1);
-    EXPECT_EQ(lines(dialog.lstSymbolNames), QStringList{QStringLiteral("Gamma")});
-    dialog.cmbGroups->setCurrentIndex(2);
-    EXPECT_EQ(lines(dialog.lstSymbolNames), wholeGroup);
-    dialog.lstSymbolNames->selectAll();
-    dialog.cmbGroups->setCurrentIndex(3);   // capitals count
-    EXPECT_EQ(lines(dialog.lstSymbolNames), QStringList{QStringLiteral("Epsilon")});
-    dialog.cmbGroups->setCurrentIndex(2);
-    dialog.lstSymbolNames->selectAll();
-    dialog.Command1->click();
-    EXPECT_EQ(selectedSymbols(), (QStringList{QStringLiteral("A.NS"), QStringLiteral("B.NS"), QStringLiteral("D.NS")}));
-}
-
-TEST_F(SymbolLookup, TwoEntriesWithOneNameStayTwoLinesWithTheirOwnSymbols) {
-    loadSymbolList(services, "NSE,RELIANCE.NS,Reliance\nNSE,RELIANCE.BO,Reliance\n");
-    frmSymbolLookup dialog;
-    ASSERT_EQ(lines(dialog.lstSymbolNames), (QStringList{QStringLiteral("Reliance"), QStringLiteral("Reliance")}));
-    dialog.lstSymbolNames->setCurrentRow(1, QItemSelectionModel::ClearAndSelect);
-    EXPECT_EQ(dialog.txtSymbol->text(), QStringLiteral("RELIANCE.BO"));
-    dialog.Command1->click();
-    EXPECT_EQ(selectedSymbols(), QStringList{QStringLiteral("RELIANCE.BO")});
-}
-
-TEST_F(SymbolLookup, AnEmptyOrMissingListOpensEmptyAndSaysSo) {
-    for (const bool fileThere : {false, true}) {
-        if (fileThere)
-            loadSymbolList(services, "");
-        else
-            ReadSymbolsFile();   // no symbols.csv in the program's folder
-        ASSERT_EQ(Module1::SymbolCount, 0);
+// Close leaves SelectedSymbols as they were; Select with no line selected hands back nothing.
+TEST_F(SymbolLookup, CloseKeepsSelectedSymbolsAndSelectReplacesThem) {
+    for (const bool select : {false, true}) {
+        Module1::SelectedSymbols.clear();
         Module1::SelectedSymbols.append(QStringLiteral("EARLIER"));
         frmSymbolLookup dialog;
-        EXPECT_EQ(dialog.cmbGroups->count(), 0);
-        EXPECT_EQ(dialog.lstSymbolNames->count(), 0);
-        EXPECT_EQ(dialog.txtSymbol->text(), QString());
-        EXPECT_TRUE(dialog.lblNoSymbols->isVisibleTo(&dialog));
-        EXPECT_FALSE(dialog.lblNoSymbols->text().isEmpty());
-        dialog.Command1->click();
-        EXPECT_EQ(Module1::SelectedSymbols.upperBound(), 0) << "file there: " << fileThere;
+        dialog.lstSymbolNames->clearSelection();
+        (select ? dialog.Command1 : dialog.Command2)->click();
+        EXPECT_EQ(dialog.result(), select ? QDialog::Accepted : QDialog::Rejected);
+        EXPECT_EQ(selectedSymbols(), select ? QStringList() : QStringList{QStringLiteral("EARLIER")});
+        EXPECT_EQ(Module1::SelectedSymbols.upperBound(), select ? 0 : 1);
     }
+}
+
+// A group in two runs of the file gets two lines, each showing all its entries; capitals count.
+// Picking another group replaces the list and its selection. Two entries with one name stay two
+// lines, each with its own symbol.
+TEST_F(SymbolLookup, AGroupInTwoRunsGetsTwoLinesEachShowingTheWholeGroup) {
+    loadSymbolList(services, "NSE,A.NS,Alpha\nNSE,B.NS,Alpha\nBSE,C.BO,Gamma\nNSE,D.NS,Delta\nnse,E.NS,Epsilon\n");
+    frmSymbolLookup dialog;
+    EXPECT_EQ(groups(dialog.cmbGroups), (QStringList{"NSE", "BSE", "NSE", "nse"}));
+    const QStringList wholeGroup{"Alpha", "Alpha", "Delta"};
+    const QStringList expected[] = {wholeGroup, {"Gamma"}, wholeGroup, {"Epsilon"}};
+    EXPECT_EQ(lines(dialog.lstSymbolNames), wholeGroup);
+    for (int i : {1, 2, 3, 2}) {
+        dialog.lstSymbolNames->selectAll();
+        dialog.cmbGroups->setCurrentIndex(i);
+        EXPECT_EQ(lines(dialog.lstSymbolNames), expected[i]) << i;
+        EXPECT_EQ(dialog.lstSymbolNames->selectedItems().size(), 1) << i;
+    }
+    dialog.lstSymbolNames->setCurrentRow(1, QItemSelectionModel::ClearAndSelect);
+    EXPECT_EQ(dialog.txtSymbol->text(), QStringLiteral("B.NS"));
+    dialog.lstSymbolNames->selectAll();
+    dialog.Command1->click();
+    EXPECT_EQ(selectedSymbols(), (QStringList{"A.NS", "B.NS", "D.NS"}));
+}
+
+TEST_F(SymbolLookup, AnEmptyListOpensEmptyAndSaysSo) {
+    loadSymbolList(services, "");
+    Module1::SelectedSymbols.append(QStringLiteral("EARLIER"));
+    frmSymbolLookup dialog;
+    EXPECT_EQ(dialog.cmbGroups->count() + dialog.lstSymbolNames->count(), 0);
+    EXPECT_EQ(dialog.txtSymbol->text(), QString());
+    EXPECT_TRUE(dialog.lblNoSymbols->isVisibleTo(&dialog));
+    dialog.Command1->click();
+    EXPECT_EQ(Module1::SelectedSymbols.upperBound(), 0);
 }
 
 } // namespace
