@@ -106,7 +106,7 @@ struct ProgressRecorder {
     ~ProgressRecorder() { ReadProgress::setFactory({}); }
 };
 
-// The data sheets standing as windows, oldest first.
+// The data sheets standing as windows, in no particular order.
 inline QList<frmView*> openSheets() {
     QList<frmView*> sheets;
     for (QWidget* w : QApplication::topLevelWidgets())
