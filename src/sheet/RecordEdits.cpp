@@ -50,9 +50,8 @@ void ChangeRecord(const QString& folder, const QString& symbol, const RecordValu
     writer.CloseFolder();
 }
 
-void DeleteRecord(const QString& folder, const QString& symbol, const QString& dateText) {
-    const auto date = Regional::readDate(dateText.trimmed());
-    const QString d = storeDateText(date.value_or(QDate()));
+void DeleteRecord(const QString& folder, const QString& symbol, const QDate& date) {
+    const QString d = storeDateText(date);
     SecurityWriter writer;
     writer.OpenFolder(folder.trimmed());
     writer.OpenSecurity(symbol.trimmed());

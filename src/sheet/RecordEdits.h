@@ -32,5 +32,5 @@ InsertEnd InsertRecord(const QString& folder, const QString& symbol, const Recor
 // Replaces the values of the record of record.Dat.
 void ChangeRecord(const QString& folder, const QString& symbol, const RecordValues& record);
 
-// Removes the record whose date a sheet shows as `dateText` (read under the user's date rules).
-void DeleteRecord(const QString& folder, const QString& symbol, const QString& dateText);
+// Removes the record of that date.
+void DeleteRecord(const QString& folder, const QString& symbol, const QDate& date);

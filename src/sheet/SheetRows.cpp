@@ -48,6 +48,17 @@ QString SheetRows::cell(int row, int column) const {
     return Regional::priceText(value);
 }
 
+std::optional<QDate> SheetRows::rowDate(int row) const {
+    const auto read = Regional::readDate(cell(row, DateColumn).trimmed());
+    if (!read)
+        return std::nullopt;
+    const QDate own = Regional::fromStoreDate(rows_[static_cast<size_t>(row)].date);
+    if (own.isValid() && own.month() == read->month() && own.day() == read->day() &&
+        own.year() % 100 == read->year() % 100)
+        return own;
+    return read;
+}
+
 void SheetRows::clear() {
     if (rows_.empty())
         return;

@@ -10,9 +10,11 @@
 // rows that are never shown.
 
 #include <QAbstractTableModel>
+#include <QDate>
 #include <QString>
 
 #include <array>
+#include <optional>
 #include <vector>
 
 struct SheetRow {
@@ -36,6 +38,10 @@ public:
 
     // The text of a cell as the sheet shows it; empty outside the rows.
     QString cell(int row, int column) const;
+    // The date a row's date cell names: its text read back under the user's date rules; empty when
+    // the text reads as no date. Where the short pattern has a two-digit year ("1/2/25"), the
+    // record's own century is kept, so that the text can't name a record of another century.
+    std::optional<QDate> rowDate(int row) const;
     // Removes every row.
     void clear();
     // Adds rows at the end, in one go.

@@ -326,4 +326,25 @@ TEST_F(RecordEdit, ChangeAndDeleteUnderOtherLocales) {
     }
 }
 
+// Under a pattern with two-digit years two records a century apart show the same date text;
+// Change and Delete still reach the record of the row, never its namesake of the other century.
+TEST_F(RecordEdit, TwoDigitYearsNeverReachARecordOfAnotherCentury) {
+    LocaleGuard locale("en_US");
+    const Rec old{19250102, 1, 2, 0.5, 1.5, 100}, recent{20250102, 10, 20, 5, 15, 1000};
+    makeSecurity(temp.path(), "DJ", "Dow 1925", {old, recent});
+    auto sheet = loadedSheet(temp.path(), "DJ", "Dow 1925");
+    ASSERT_EQ(cells(*sheet, 0).at(0), cells(*sheet, 1).at(0));   // both "1/2/25"
+
+    sheet->ListView1->selectRow(0);
+    whenDialogUp({}, {"3", "4", "2", "3.5", "300"});
+    sheet->Command6->click();
+    const Rec changed{19250102, 3, 4, 2, 3.5, 300};
+    EXPECT_EQ(readBack(temp.path(), "DJ"), (std::vector<Rec>{changed, recent}));
+
+    sheet->ListView1->selectRow(0);
+    platform.answerNextBox(MsgAnswer::Yes);
+    sheet->Command5->click();
+    EXPECT_EQ(readBack(temp.path(), "DJ"), (std::vector<Rec>{recent}));
+}
+
 } // namespace

@@ -201,7 +201,7 @@ void frmView::Command6_Click() {
 
     // The record is known by the date its row shows; a date text that can't be read back
     // can't name a record, and nothing is done.
-    const auto date = Regional::readDate(rows_->cell(row, SheetRows::DateColumn).trimmed());
+    const auto date = rows_->rowDate(row);
     if (!date)
         return;
 
@@ -237,7 +237,10 @@ void frmView::Command5_Click() {
                MsgButtons::YesNo) != MsgAnswer::Yes)
         return;
     try {
-        DeleteRecord(Text1->text(), Text3->text(), dateText);
+        const auto date = rows_->rowDate(row);
+        if (!date)
+            return;   // a date text that names no date: nothing to delete
+        DeleteRecord(Text1->text(), Text3->text(), *date);
     } catch (const Failure&) {
         return;
     }
