@@ -463,22 +463,33 @@ QByteArray xmasterRecordOf(const Security& s) {
 
 } // namespace
 
-QByteArray buildMaster(const Index& index) {
-    QByteArray header = index.masterHeader.size() == MasterRecordLength ? index.masterHeader
-                                                                         : QByteArray(MasterRecordLength, '\0');
+namespace {
+
+// MASTER and EMASTER list the same securities (F1..F255) in the same order, under a header that
+// counts them and names the highest file number used.
+template <typename RecordOf>
+QByteArray buildMasterFile(QByteArray header, const Index& index, RecordOf recordOf) {
     int highest = index.highestMasterNumber;
     QByteArray body;
     int count = 0;
     for (const Security& s : index.securities) {
         if (s.extended)
             continue;
-        body += masterRecordOf(s);
+        body += recordOf(s);
         highest = std::max(highest, s.fileNumber);
         ++count;
     }
     putU16(header, 0, quint16(count));
     putU16(header, 2, quint16(highest));
     return header + body;
+}
+
+} // namespace
+
+QByteArray buildMaster(const Index& index) {
+    QByteArray header = index.masterHeader.size() == MasterRecordLength ? index.masterHeader
+                                                                         : QByteArray(MasterRecordLength, '\0');
+    return buildMasterFile(header, index, masterRecordOf);
 }
 
 QByteArray buildEmaster(const Index& index) {
@@ -489,19 +500,7 @@ QByteArray buildEmaster(const Index& index) {
             header.replace(49, 4, index.masterHeader.mid(49, 4));
         std::memcpy(header.data() + 53, Copyright, sizeof(Copyright));
     }
-    int highest = index.highestMasterNumber;
-    QByteArray body;
-    int count = 0;
-    for (const Security& s : index.securities) {
-        if (s.extended)
-            continue;
-        body += emasterRecordOf(s);
-        highest = std::max(highest, s.fileNumber);
-        ++count;
-    }
-    putU16(header, 0, quint16(count));
-    putU16(header, 2, quint16(highest));
-    return header + body;
+    return buildMasterFile(header, index, emasterRecordOf);
 }
 
 QByteArray buildXmaster(const Index& index) {
