@@ -9,13 +9,11 @@
 #include <vector>
 
 QString PeriodicityText(qint32 code) {
-    // The box first takes the code's digits, which are then read back as a number.
-    const QString digits = QString::number(code);
-    switch (digits.trimmed().toInt()) {
+    switch (code) {
     case 1: return QStringLiteral("Daily");
     case 2: return QStringLiteral("Weekly");
     case 3: return QStringLiteral("Monthly");
-    default: return digits;
+    default: return QString::number(code);
     }
 }
 
@@ -42,9 +40,10 @@ SheetLoadEnd LoadSheet(const QString& folder, const QString& symbol, SheetRows& 
         progress->SetMessage(QStringLiteral("Progress...."));
 
         // "Last Date" starts as the first date; the record read last replaces it at the end.
-        listener.firstDateRead(DateToText(reader.GetFirstDate()));
+        const QString firstDate = DateToText(reader.GetFirstDate());
+        listener.firstDateRead(firstDate);
         listener.periodicityRead(PeriodicityText(reader.GetPeriodicity()));
-        listener.lastDateRead(DateToText(reader.GetFirstDate()));
+        listener.lastDateRead(firstDate);
 
         reader.SetRecordMode(2);
 

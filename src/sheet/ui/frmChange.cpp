@@ -5,11 +5,9 @@
 #include "frame/ui/Centring.h"
 
 #include <QDateEdit>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScreen>
 #include <QVBoxLayout>
 
 #include <array>
@@ -79,13 +77,9 @@ frmChange::frmChange(QWidget* parent) : QDialog(parent) {
     Form_Load();
 }
 
-void frmChange::centreOnScreen() {
+void frmChange::Form_Load() {
     adjustSize();
     CentreOnScreen(this);
-}
-
-void frmChange::Form_Load() {
-    centreOnScreen();
     OK = false;
     DTPicker1->setEnabled(true);
     DTPicker1->setDate(platform().today());

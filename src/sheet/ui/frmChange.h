@@ -3,25 +3,21 @@
 // and for Change alike. The caller makes it (which loads it: today's date, empty boxes), may fill
 // and disable the date for a change, runs exec() and reads the public members back.
 
-#include <QDate>
+#include "sheet/RecordEdits.h"
+
 #include <QDialog>
 
 class QDateEdit;
 class QLineEdit;
 class QPushButton;
 
-class frmChange : public QDialog {
+// The dialog's result (Dat, OpenPrice, High, Low, ClosePrice, Volume) is the record it holds; it
+// is kept after the dialog has closed.
+class frmChange : public QDialog, public RecordValues {
     Q_OBJECT
 public:
     explicit frmChange(QWidget* parent = nullptr);
 
-    // The dialog's result; kept after it has closed.
-    QDate Dat;
-    double OpenPrice = 0;
-    double High = 0;
-    double Low = 0;
-    double ClosePrice = 0;
-    double Volume = 0;
     bool OK = false;   // true only when the dialog was left with "&Apply"
 
     QDateEdit* DTPicker1;
@@ -36,7 +32,4 @@ public:
     void Form_Load();
     void Command1_Click();
     void Command3_Click();
-
-private:
-    void centreOnScreen();
 };

@@ -2,7 +2,6 @@
 
 #include "frame/Failure.h"
 #include "frame/Platform.h"
-#include "frame/Regional.h"
 #include "sheet/RecordEdits.h"
 #include "sheet/SheetLoad.h"
 #include "sheet/SheetRows.h"
@@ -137,7 +136,6 @@ void frmView::selectRow(int row) {
 }
 
 void frmView::Form_Load() {
-    rows_->clear();
     Text1->setText(path);
     Text2->setText(Sec);
     Text3->setText(Symbol);
@@ -179,17 +177,14 @@ void frmView::Command4_Click() {
     if (!dialog.OK)
         return;
 
-    const RecordValues record{dialog.Dat, dialog.OpenPrice, dialog.High, dialog.Low, dialog.ClosePrice,
-                              dialog.Volume};
     try {
         const auto tell = [] { MsgBox(QStringLiteral("Date Already Exist."), MsgIcon::Information, Marrowfin); };
-        if (InsertRecord(Text1->text(), Text3->text(), record, tell) == InsertEnd::DateExists)
+        if (InsertRecord(Text1->text(), Text3->text(), dialog, tell) == InsertEnd::DateExists)
             return;
     } catch (const Failure& failure) {
         MsgBox(failure.Description, MsgIcon::Warning);
         return;
     }
-    rows_->clear();
     Form_Load();
 }
 
@@ -215,17 +210,15 @@ void frmView::Command6_Click() {
     if (!dialog.OK)
         return;
 
-    const RecordValues record{dialog.Dat, dialog.OpenPrice, dialog.High, dialog.Low, dialog.ClosePrice,
-                              dialog.Volume};
     try {
-        ChangeRecord(Text1->text(), Text3->text(), record);
+        ChangeRecord(Text1->text(), Text3->text(), dialog);
     } catch (const Failure& failure) {
         // The row keeps its old values: the store did not take the new ones.
         MsgBox(failure.Description, MsgIcon::Warning);
         return;
     }
     // The new values stand as plain number text until the next load.
-    rows_->setValues(row, {record.OpenPrice, record.High, record.Low, record.ClosePrice, record.Volume});
+    rows_->setValues(row, {dialog.OpenPrice, dialog.High, dialog.Low, dialog.ClosePrice, dialog.Volume});
 }
 
 void frmView::Command5_Click() {
