@@ -35,15 +35,16 @@ QByteArray ValuesFileText(const QDate& fromDate) {
 void WriteValuesFile(const QString& folder, const QDate& fromDate) {
     const QString path = ValuesFilePath(folder);
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
+    const auto fail = [&] {
         throw Failure(FailureNumber::PathNotFound,
                       QStringLiteral("Could not write %1: %2").arg(QDir::toNativeSeparators(path), file.errorString()),
                       QStringLiteral("CreateSymbols::WriteValuesFile"));
+    };
+    if (!file.open(QIODevice::WriteOnly))
+        fail();
     file.write(ValuesFileText(fromDate));
     if (!file.commit())
-        throw Failure(FailureNumber::PathNotFound,
-                      QStringLiteral("Could not write %1: %2").arg(QDir::toNativeSeparators(path), file.errorString()),
-                      QStringLiteral("CreateSymbols::WriteValuesFile"));
+        fail();
 }
 
 void CreateSecurities(SecurityWriter& writer, const QString& folder, const QStringList& symbols,

@@ -13,10 +13,14 @@
 
 namespace {
 
+[[noreturn]] void typeMismatch() {
+    throw Failure(13, QStringLiteral("Type mismatch"), QStringLiteral("RunDownload"));
+}
+
 QDate readDateOrFail(const QString& text) {
     const auto date = Regional::readDate(text);
     if (!date)
-        throw Failure(13, QStringLiteral("Type mismatch"), QStringLiteral("RunDownload"));
+        typeMismatch();
     return *date;
 }
 
@@ -24,7 +28,7 @@ QDate readDateOrFail(const QString& text) {
 double throughText(double value) {
     const auto back = Regional::readNumber(Regional::numberText(value));
     if (!back)
-        throw Failure(13, QStringLiteral("Type mismatch"), QStringLiteral("RunDownload"));
+        typeMismatch();
     return *back;
 }
 
@@ -169,7 +173,7 @@ void DownloadRun::merge() {
         bool exists = true;
         step([&] {
             if (key.isEmpty())
-                throw Failure(13, QStringLiteral("Type mismatch"), QStringLiteral("RunDownload"));
+                typeMismatch();
             exists = writer().DateExists(key);
         });
         if (exists)
@@ -179,7 +183,7 @@ void DownloadRun::merge() {
             bool ok = false;
             const qint32 date = key.toInt(&ok);
             if (!ok)
-                throw Failure(13, QStringLiteral("Type mismatch"), QStringLiteral("RunDownload"));
+                typeMismatch();
             writer().AddQuote(date, 0, throughText(record.OpenPrice), throughText(record.High),
                               throughText(record.Low), throughText(record.ClosePrice),
                               throughText(record.Volume), 0.0);

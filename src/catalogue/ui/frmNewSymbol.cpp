@@ -4,12 +4,10 @@
 #include "frame/ui/Centring.h"
 
 #include <QGridLayout>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScreen>
 
 frmNewSymbol::frmNewSymbol(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("frmNewSymbol"));

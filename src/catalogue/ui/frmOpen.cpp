@@ -9,16 +9,13 @@
 #include "sheet/ui/frmView.h"
 #include "store/SecurityReader.h"
 
-#include <QApplication>
 #include <QGroupBox>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScreen>
 #include <QStyle>
 #include <QToolButton>
 #include <QTreeWidget>

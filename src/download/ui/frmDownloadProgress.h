@@ -43,8 +43,6 @@ public:
     QPushButton* Command1;
     Inet Inet1;
 
-    bool runActive() const { return run_.Running(); }
-
     // --- DownloadListener ---
     void itemStarted(int index, int count, const QString& symbol, qint16 completed, qint16 upToDate,
                      qint16 noData) override;
