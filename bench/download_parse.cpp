@@ -1,13 +1,11 @@
 // Parsing a reply of the quotes service into Quotes: 10,000 rows, newest first.
 
+#include "BenchSupport.h"
 #include "download/clsDailyQuotes.h"
 #include "frame/Module1.h"
 
 #include <QCoreApplication>
 #include <QDate>
-#include <QLocale>
-
-#include <benchmark/benchmark.h>
 
 namespace {
 
@@ -40,9 +38,5 @@ BENCHMARK(ParseReply)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return RunBenchmarks(argc, argv);
 }

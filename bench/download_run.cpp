@@ -1,12 +1,12 @@
 // A World Exchanges run of 200 securities against a loopback server with small replies. Reports
 // the time per security and the part of it spent outside the wait for the network.
 
+#include "BenchSupport.h"
 #include "download/DownloadRun.h"
 #include "download/Inet.h"
 #include "download/ServiceAddresses.h"
 #include "download/clsDailyQuotes.h"
 #include "frame/Module1.h"
-#include "frame/Platform.h"
 #include "frame/Regional.h"
 #include "store/SecurityWriter.h"
 
@@ -15,26 +15,9 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QLocale>
 #include <QTemporaryDir>
 
-#include <benchmark/benchmark.h>
-
 namespace {
-
-class BenchPlatform : public Platform {
-public:
-    MsgAnswer messageBox(const QString&, MsgIcon, const QString&, MsgButtons) override { return MsgAnswer::Ok; }
-    QString chooseFolder(QObject*, const QString&) override { return {}; }
-    QString prompt(const QString&, const QString&, const QString&) override { return {}; }
-    bool openAddress(const QString&) override { return true; }
-    QDate today() override { return {2026, 11, 23}; }
-    QString programFolder() override { return dir.path(); }
-    QString userDataFolder() override { return dir.path(); }
-    QString getSetting(const QString&, const QString&, const QString& value) override { return value; }
-    void saveSetting(const QString&, const QString&, const QString&) override {}
-    QTemporaryDir dir;
-};
 
 class SilentListener : public DownloadListener {
 public:
@@ -50,7 +33,7 @@ public:
 
 void RunOf200Securities(benchmark::State& state) {
     constexpr int Count = 200;
-    BenchPlatform services;
+    QuietPlatform services({2026, 11, 23});
     setPlatform(&services);
     QTemporaryDir folder;
     clsDailyQuotes::setTracePath(folder.filePath(QStringLiteral("t.txt")));
@@ -109,9 +92,5 @@ BENCHMARK(RunOf200Securities)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return RunBenchmarks(argc, argv);
 }

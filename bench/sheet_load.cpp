@@ -3,43 +3,22 @@
 // drawing of the rows then in view.
 // Run offscreen: build/sheet-bench/bin/bench_sheet_load
 
-#include "frame/Platform.h"
+#include "BenchSupport.h"
 #include "sheet/SheetRows.h"
 #include "sheet/ui/frmView.h"
 #include "store/SecurityWriter.h"
 #include "store/ui/ReadProgressWindow.h"
 
 #include <QApplication>
-#include <QDate>
-#include <QLocale>
+#include <QDir>
 #include <QTableView>
 #include <QTemporaryDir>
-
-#include <benchmark/benchmark.h>
 
 #include <map>
 
 namespace {
 
-// Platform services for a run without a person: boxes are counted, never shown.
-class QuietPlatform : public Platform {
-public:
-    int boxes = 0;
-    MsgAnswer messageBox(const QString&, MsgIcon, const QString&, MsgButtons) override {
-        ++boxes;
-        return MsgAnswer::Ok;
-    }
-    QString chooseFolder(QObject*, const QString&) override { return {}; }
-    QString prompt(const QString&, const QString&, const QString&) override { return {}; }
-    bool openAddress(const QString&) override { return false; }
-    QDate today() override { return QDate(2026, 1, 5); }
-    QString programFolder() override { return QCoreApplication::applicationDirPath(); }
-    QString userDataFolder() override { return QCoreApplication::applicationDirPath(); }
-    QString getSetting(const QString&, const QString&, const QString& defaultValue) override { return defaultValue; }
-    void saveSetting(const QString&, const QString&, const QString&) override {}
-};
-
-QuietPlatform quiet;
+QuietPlatform* quiet = nullptr;
 QTemporaryDir* folders = nullptr;
 
 // A folder with one security of `count` daily records, made once per size.
@@ -79,7 +58,7 @@ void loadSheet(benchmark::State& state) {
         view.ListView1->viewport()->repaint();   // the rows in view are drawn, texts and all
         benchmark::DoNotOptimize(view.rows()->rowCount());
     }
-    if (view.rows()->rowCount() != count || view.selectedRow() != count - 1 || quiet.boxes != 0)
+    if (view.rows()->rowCount() != count || view.selectedRow() != count - 1 || quiet->boxes != 0)
         state.SkipWithError("the sheet did not load every record");
     state.counters["records"] = count;
     state.SetItemsProcessed(state.iterations() * count);
@@ -104,16 +83,13 @@ BENCHMARK(BM_SheetLoadWithoutWindow)->Arg(10000)->Arg(65000)->Unit(benchmark::kM
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
-    setPlatform(&quiet);
+    QuietPlatform services({2026, 1, 5});
+    quiet = &services;
+    setPlatform(&services);
     QTemporaryDir temp;
     folders = &temp;
 
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
+    const int result = RunBenchmarks(argc, argv);
     setPlatform(nullptr);
-    return 0;
+    return result;
 }
