@@ -13,9 +13,6 @@ namespace metastock {
 
 namespace {
 
-constexpr int MasterRecordLength = 53;
-constexpr int EmasterRecordLength = 192;
-constexpr int XmasterRecordLength = 150;
 constexpr unsigned char XmasterMagic[4] = {0x5D, 0xFE, 0x58, 0x4D};
 constexpr qint32 NoDateMarker = 19000101;  // what the vendor writes for "no date"
 const char Copyright[] = "Brindlemark v6 data store";
@@ -245,7 +242,7 @@ Layout Security::layout() const {
     return Layout{};
 }
 
-QString Security::dataFileName() const {
+QString dataFileName(int fileNumber, bool extended) {
     return QStringLiteral("F%1.%2").arg(fileNumber).arg(extended ? QStringLiteral("MWD") : QStringLiteral("DAT"));
 }
 
@@ -351,24 +348,80 @@ Index parseIndex(const QByteArray& master, const QByteArray* emaster, const QByt
 
 // ---- Index building ----------------------------------------------------------------------------
 
-QByteArray newMasterRecord(const Security& s) {
+namespace {
+
+// The fields the program keeps are written into a record: all of them into a fresh one (`was`
+// null), and into a record as read only those that differ from what it says, so that everything
+// else stays as it was.
+
+void putMasterFields(QByteArray& r, const Security& s, const Security* was) {
+    if (!was || was->name != s.name.left(16).trimmed())
+        putText(r, 7, 16, s.name, ' ');
+    if (!was || was->symbol != s.symbol)
+        putText(r, 36, 14, s.symbol, ' ');
+    if (!was || was->firstDate != s.firstDate)
+        putMbf(r, 25, float(yyymmddFromStoreDate(s.firstDate)));
+    if (!was || was->lastDate != s.lastDate)
+        putMbf(r, 29, float(yyymmddFromStoreDate(s.lastDate)));
+}
+
+void putEmasterFields(QByteArray& r, const Security& s, const EmasterView* was) {
+    if (!was || was->symbol != s.symbol)
+        putText(r, 11, 14, s.symbol, '\0');
+    if (!was || emasterName(*was) != s.name) {
+        putText(r, 32, 16, s.name, '\0');
+        putText(r, 139, 53, s.name.size() > 16 ? s.name.left(MaxNameLength) : QString(), '\0');
+    }
+    if (!was || was->firstDate != s.firstDate)
+        putF32(r, 64, float(yyymmddFromStoreDate(s.firstDate)));
+    if (!was || was->lastDate != s.lastDate)
+        putF32(r, 72, float(yyymmddFromStoreDate(s.lastDate)));
+    if (!was || was->firstDateLong != s.firstDate)
+        putI32(r, 126, s.firstDate);
+}
+
+void putXmasterFields(QByteArray& r, const Security& s, const Security* was) {
+    if (!was || was->symbol != s.symbol)
+        putText(r, 1, 15, s.symbol.left(MaxSymbolLength), '\0');
+    if (!was || was->name != s.name)
+        putText(r, 16, 46, s.name.left(MaxNameLength), '\0');
+    if (!was || was->firstDate != s.firstDate) {
+        putI32(r, 104, indexIntDate(s.firstDate));
+        putI32(r, 108, indexIntDate(s.firstDate));
+    }
+    if (!was || was->lastDate != s.lastDate)
+        putI32(r, 116, indexIntDate(s.lastDate));
+}
+
+// The record of a security: the one read, brought up to date, or for a new security a fresh one as
+// the vendor's software writes it.
+QByteArray masterRecordOf(const Security& s) {
+    if (s.masterRaw.size() == MasterRecordLength) {
+        QByteArray r = s.masterRaw;
+        const Security was = readMasterRecord(r);
+        putMasterFields(r, s, &was);
+        return r;
+    }
     QByteArray r(MasterRecordLength, '\0');
     r[0] = char(s.fileNumber);
     putU16(r, 1, 101);
     r[3] = char(4 * s.fieldCount);
     r[4] = char(s.fieldCount);
-    putText(r, 7, 16, s.name, ' ');
-    putMbf(r, 25, float(yyymmddFromStoreDate(s.firstDate)));
-    putMbf(r, 29, float(yyymmddFromStoreDate(s.lastDate)));
     r[33] = s.periodicity;
     putU16(r, 34, s.interval);
-    putText(r, 36, 14, s.symbol, ' ');
     r[50] = ' ';
     r[51] = ' ';
+    putMasterFields(r, s, nullptr);
     return r;
 }
 
-QByteArray newEmasterRecord(const Security& s) {
+QByteArray emasterRecordOf(const Security& s) {
+    if (s.emasterRaw.size() == EmasterRecordLength) {
+        QByteArray r = s.emasterRaw;
+        const EmasterView was = readEmasterRecord(r);
+        putEmasterFields(r, s, &was);
+        return r;
+    }
     QByteArray r(EmasterRecordLength, '\0');
     r[0] = '6';
     r[1] = '6';
@@ -376,94 +429,28 @@ QByteArray newEmasterRecord(const Security& s) {
     r[6] = char(s.fieldCount);
     r[7] = char(s.fieldBits >= 0 ? s.fieldBits : 0x7F);
     r[9] = ' ';
-    putText(r, 11, 14, s.symbol, '\0');
-    putText(r, 32, 16, s.name, '\0');
     r[60] = s.periodicity;
     putU16(r, 62, s.interval);
-    putF32(r, 64, float(yyymmddFromStoreDate(s.firstDate)));
-    putF32(r, 72, float(yyymmddFromStoreDate(s.lastDate)));
-    putI32(r, 126, s.firstDate);
-    if (s.name.size() > 16)
-        putText(r, 139, 53, s.name.left(MaxNameLength), '\0');
-    return r;
-}
-
-QByteArray newXmasterRecord(const Security& s) {
-    QByteArray r(XmasterRecordLength, '\0');
-    r[0] = 0x01;
-    putText(r, 1, 15, s.symbol.left(MaxSymbolLength), '\0');
-    putText(r, 16, 46, s.name.left(MaxNameLength), '\0');
-    r[62] = s.periodicity;
-    putU16(r, 63, s.interval);
-    putU16(r, 65, quint16(s.fileNumber));
-    r[70] = char(s.fieldBits >= 0 ? s.fieldBits : 0x7F);
-    putI32(r, 104, indexIntDate(s.firstDate));
-    putI32(r, 108, indexIntDate(s.firstDate));
-    putI32(r, 116, indexIntDate(s.lastDate));
-    return r;
-}
-
-namespace {
-
-// A record as read, with the fields the program changes written over it where they differ from
-// what the record says; everything else stays as it was.
-QByteArray masterRecordOf(const Security& s) {
-    if (s.masterRaw.size() != MasterRecordLength)
-        return newMasterRecord(s);
-    QByteArray r = s.masterRaw;
-    const Security was = readMasterRecord(r);
-    if (was.name != s.name.left(16).trimmed())
-        putText(r, 7, 16, s.name, ' ');
-    if (was.symbol != s.symbol)
-        putText(r, 36, 14, s.symbol, ' ');
-    if (was.firstDate != s.firstDate)
-        putMbf(r, 25, float(yyymmddFromStoreDate(s.firstDate)));
-    if (was.lastDate != s.lastDate)
-        putMbf(r, 29, float(yyymmddFromStoreDate(s.lastDate)));
-    return r;
-}
-
-QByteArray emasterRecordOf(const Security& s) {
-    if (s.emasterRaw.size() != EmasterRecordLength)
-        return newEmasterRecord(s);
-    QByteArray r = s.emasterRaw;
-    const EmasterView was = readEmasterRecord(r);
-    if (was.symbol != s.symbol)
-        putText(r, 11, 14, s.symbol, '\0');
-    if (emasterName(was) != s.name) {
-        putText(r, 32, 16, s.name, '\0');
-        putText(r, 139, 53, s.name.size() > 16 ? s.name.left(MaxNameLength) : QString(), '\0');
-    }
-    if (was.firstDate != s.firstDate)
-        putF32(r, 64, float(yyymmddFromStoreDate(s.firstDate)));
-    if (was.lastDate != s.lastDate)
-        putF32(r, 72, float(yyymmddFromStoreDate(s.lastDate)));
-    if (was.firstDateLong != s.firstDate)
-        putI32(r, 126, s.firstDate);
+    putEmasterFields(r, s, nullptr);
     return r;
 }
 
 QByteArray xmasterRecordOf(const Security& s) {
-    if (s.xmasterRaw.size() != XmasterRecordLength)
-        return newXmasterRecord(s);
-    QByteArray r = s.xmasterRaw;
-    const Security was = readXmasterRecord(r);
-    if (was.symbol != s.symbol)
-        putText(r, 1, 15, s.symbol.left(MaxSymbolLength), '\0');
-    if (was.name != s.name)
-        putText(r, 16, 46, s.name.left(MaxNameLength), '\0');
-    if (was.firstDate != s.firstDate) {
-        putI32(r, 104, indexIntDate(s.firstDate));
-        putI32(r, 108, indexIntDate(s.firstDate));
+    if (s.xmasterRaw.size() == XmasterRecordLength) {
+        QByteArray r = s.xmasterRaw;
+        const Security was = readXmasterRecord(r);
+        putXmasterFields(r, s, &was);
+        return r;
     }
-    if (was.lastDate != s.lastDate)
-        putI32(r, 116, indexIntDate(s.lastDate));
+    QByteArray r(XmasterRecordLength, '\0');
+    r[0] = 0x01;
+    r[62] = s.periodicity;
+    putU16(r, 63, s.interval);
+    putU16(r, 65, quint16(s.fileNumber));
+    r[70] = char(s.fieldBits >= 0 ? s.fieldBits : 0x7F);
+    putXmasterFields(r, s, nullptr);
     return r;
 }
-
-} // namespace
-
-namespace {
 
 // MASTER and EMASTER list the same securities (F1..F255) in the same order, under a header that
 // counts them and names the highest file number used.

@@ -45,6 +45,9 @@ struct Record {
     float open = 0, high = 0, low = 0, close = 0, volume = 0, openInterest = 0;
 };
 
+// The data file of a security: "F12.DAT", "F300.MWD" (listed in XMASTER).
+QString dataFileName(int fileNumber, bool extended);
+
 // One security of the index, with the records it was read from so that fields of unknown meaning
 // survive a rewrite.
 struct Security {
@@ -64,7 +67,7 @@ struct Security {
     QByteArray xmasterRaw;   // 150 bytes as read, empty for a new security
 
     Layout layout() const;
-    QString dataFileName() const;  // "F12.DAT", "F300.MWD"
+    QString dataFileName() const { return metastock::dataFileName(fileNumber, extended); }
     // The symbol the program knows the security by: some writers leave the symbol blank and put
     // the ticker in the name, and such a security goes by its name.
     QString key() const { return symbol.isEmpty() ? name : symbol; }
@@ -96,11 +99,6 @@ QByteArray buildMaster(const Index& index);
 QByteArray buildEmaster(const Index& index);
 QByteArray buildXmaster(const Index& index);
 
-// Fresh index records for a new security, as the vendor's software writes them.
-QByteArray newMasterRecord(const Security& security);
-QByteArray newEmasterRecord(const Security& security);
-QByteArray newXmasterRecord(const Security& security);
-
 // The records of a data file in file order. Bytes past the header's count are ignored (a write
 // cut short leaves them); a count beyond the file's size is a failure.
 std::vector<Record> parseData(const QByteArray& bytes, const Layout& layout, const QString& fileName);
@@ -119,6 +117,11 @@ QByteArray buildData(const std::vector<Record>& records, const Layout& layout);
 QByteArray encodeRecords(const std::vector<Record>& records, const Layout& layout);
 // The header record for a file of `count` records.
 QByteArray dataHeader(int count, const Layout& layout);
+
+// Sizes of the index files' header and security records.
+inline constexpr int MasterRecordLength = 53;
+inline constexpr int EmasterRecordLength = 192;
+inline constexpr int XmasterRecordLength = 150;
 
 // Store limits.
 inline constexpr int MaxSymbolLength = 14;
