@@ -14,7 +14,7 @@
 namespace {
 
 [[noreturn]] void typeMismatch() {
-    throw Failure(13, QStringLiteral("Type mismatch"), QStringLiteral("RunDownload"));
+    throw Failure(FailureNumber::TypeMismatch, QStringLiteral("Type mismatch"), QStringLiteral("RunDownload"));
 }
 
 QDate readDateOrFail(const QString& text) {

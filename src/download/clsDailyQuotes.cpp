@@ -22,7 +22,7 @@ constexpr int Stride = 7;   // Date, Open, High, Low, Close, Volume, and a seven
 double toDouble(const Regional::NumberReader& numbers, QStringView field) {
     const auto value = numbers.read(field);
     if (!value)
-        throw Failure(13, QStringLiteral("Type mismatch"), QStringLiteral("clsDailyQuotes"));
+        throw Failure(FailureNumber::TypeMismatch, QStringLiteral("Type mismatch"), QStringLiteral("clsDailyQuotes"));
     return *value;
 }
 
@@ -30,17 +30,16 @@ double toDouble(const Regional::NumberReader& numbers, QStringView field) {
 qint32 toVolume(const Regional::NumberReader& numbers, QStringView field) {
     const double rounded = std::nearbyint(toDouble(numbers, field));
     if (rounded < std::numeric_limits<qint32>::min() || rounded > std::numeric_limits<qint32>::max())
-        throw Failure(6, QStringLiteral("Overflow"), QStringLiteral("clsDailyQuotes"));
+        throw Failure(FailureNumber::Overflow, QStringLiteral("Overflow"), QStringLiteral("clsDailyQuotes"));
     return static_cast<qint32>(rounded);
 }
 
 void writeTrace(const QString& normalised) {
     QFile file(clsDailyQuotes::tracePath());
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        throw Failure(75, QStringLiteral("Path/File access error"), QStringLiteral("clsDailyQuotes"));
     const QByteArray bytes = normalised.toUtf8() + "\r\n";
-    if (file.write(bytes) != bytes.size())
-        throw Failure(75, QStringLiteral("Path/File access error"), QStringLiteral("clsDailyQuotes"));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(bytes) != bytes.size())
+        throw Failure(FailureNumber::PathFileAccess, QStringLiteral("Path/File access error"),
+                      QStringLiteral("clsDailyQuotes"));
 }
 
 } // namespace

@@ -104,7 +104,7 @@ public:
     // The next item, trimmed; a failure past the end of the text.
     QString next() {
         if (atEnd())
-            throw Failure(62, QStringLiteral("Input past end of file"));
+            throw Failure(FailureNumber::PastEndOfFile, QStringLiteral("Input past end of file"));
         QString item;
         while (pos_ < text_.size() && (text_[pos_] == u' ' || text_[pos_] == u'\t'))
             ++pos_;

@@ -27,7 +27,11 @@ private:
 namespace FailureNumber {
 inline constexpr int Generic = 5;       // "invalid procedure call": the default for our own checks
 inline constexpr int EmptyAddress = 100; // GoURL with no address
+inline constexpr int Overflow = 6;
+inline constexpr int TypeMismatch = 13;       // a text that does not read as the date or number wanted
 inline constexpr int FileNotFound = 53;
+inline constexpr int PastEndOfFile = 62;
+inline constexpr int PathFileAccess = 75;
 inline constexpr int PathNotFound = 76;
 inline constexpr int Store = 1000;       // the store refused or could not do what was asked
 inline constexpr int Network = 35761;    // a transfer failed (no connection, time-out, refused)
