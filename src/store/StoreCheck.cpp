@@ -92,7 +92,7 @@ std::vector<Finding> checkFolder(const QString& folderPath) {
 
     // Index files.
     const qint64 masterSize = StoreFiles::stamp(folder.filePath(QStringLiteral("MASTER"))).size;
-    const qint64 masterUsed = qint64(index.masterCount() + 1) * 53;
+    const qint64 masterUsed = qint64(index.masterCount() + 1) * MasterRecordLength;
     if (masterSize > masterUsed)
         note(out, QStringLiteral("MASTER: %1 bytes past its last security record").arg(masterSize - masterUsed));
     if (index.foreignXmaster)
@@ -130,7 +130,7 @@ std::vector<Finding> checkFolder(const QString& folderPath) {
     for (const QString& name : entries) {
         if (dataName.match(name).hasMatch() && !listed.contains(name.toUpper()))
             note(out, QStringLiteral("%1: no security of the index uses this file").arg(name));
-        else if (name.endsWith(QStringLiteral(".bmtmp"), Qt::CaseInsensitive))
+        else if (name.endsWith(QLatin1String(StoreFiles::TemporarySuffix), Qt::CaseInsensitive))
             note(out, QStringLiteral("%1: a temporary file left by a write that did not finish").arg(name));
     }
     return out;

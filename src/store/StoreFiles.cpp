@@ -94,7 +94,7 @@ Stamp stamp(const QString& path) {
     return st;
 }
 
-QString temporaryName(const QString& path) { return path + QStringLiteral(".bmtmp"); }
+QString temporaryName(const QString& path) { return path + QLatin1String(TemporarySuffix); }
 
 QByteArray readAll(const QString& path) {
     QFile file(path);
@@ -104,16 +104,6 @@ QByteArray readAll(const QString& path) {
                           .arg(QDir::toNativeSeparators(path), file.errorString()),
                       QStringLiteral("StoreFiles::readAll"));
     return file.readAll();
-}
-
-QByteArray readPart(const QString& path, qint64 offset, qint64 length) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !file.seek(offset))
-        throw Failure(FailureNumber::FileNotFound,
-                      QStringLiteral("The file %1 cannot be opened: %2.")
-                          .arg(QDir::toNativeSeparators(path), file.errorString()),
-                      QStringLiteral("StoreFiles::readPart"));
-    return file.read(length);
 }
 
 void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteArray>>& parts) {

@@ -24,8 +24,6 @@ Stamp stamp(const QString& path);
 
 // Whole file; raises Failure (FileNotFound) when it cannot be read.
 QByteArray readAll(const QString& path);
-// Up to `length` bytes from `offset`.
-QByteArray readPart(const QString& path, qint64 offset, qint64 length);
 
 // Writes each part at its offset into an existing file; each part is one write.
 void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteArray>>& parts);
@@ -34,7 +32,8 @@ void replaceFile(const QString& path, const QByteArray& bytes);
 // Removes a file; one write. A missing file is no failure.
 void removeFile(const QString& path);
 
-// The name of the temporary file that replaceFile() uses for `path`.
+// The name of the temporary file that replaceFile() uses for `path`: the path and this suffix.
+inline constexpr char TemporarySuffix[] = ".bmtmp";
 QString temporaryName(const QString& path);
 
 // ---- The seam for tests ----
