@@ -88,9 +88,7 @@ void SecurityReader::OpenFolder(const QString& folderPath) {
 
 void SecurityReader::FindSecurity(const QString& name) {
     d->requireFolder("FindSecurity");
-    const int i = d->folder->findByName(name);
-    if (i < 0)
-        refuse(QStringLiteral("There is no security named \"%1\" in the folder.").arg(name.trimmed()), "FindSecurity");
+    const int i = d->folder->securityNamed(name, "SecurityReader::FindSecurity");
     d->dropSelection();
     d->selected = i;
 }
@@ -99,10 +97,7 @@ void SecurityReader::OpenSecurity(const QString& symbol) {
     d->requireFolder("OpenSecurity");
     if (symbol.trimmed().isEmpty())
         refuse(QStringLiteral("No symbol was given."), "OpenSecurity");
-    const int i = d->folder->findBySymbol(symbol);
-    if (i < 0)
-        refuse(QStringLiteral("There is no security with the symbol \"%1\" in the folder.").arg(symbol.trimmed()),
-               "OpenSecurity");
+    const int i = d->folder->securityWithSymbol(symbol, "SecurityReader::OpenSecurity");
     const Security& s = d->folder->index.securities[size_t(i)];
     std::vector<Record> records = readRecords(d->folder->dataPath(s), s.layout(), s.dataFileName());
     d->dropSelection();

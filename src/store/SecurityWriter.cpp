@@ -433,9 +433,7 @@ void SecurityWriter::OpenFolder(const QString& folderPath) {
 
 void SecurityWriter::FindSecurity(const QString& name) {
     d->requireFolder("FindSecurity");
-    const int i = d->folder->findByName(name);
-    if (i < 0)
-        refuse(QStringLiteral("There is no security named \"%1\" in the folder.").arg(name.trimmed()), "FindSecurity");
+    const int i = d->folder->securityNamed(name, "SecurityWriter::FindSecurity");
     d->closeSecurity();
     d->select(i);
 }
@@ -444,20 +442,14 @@ void SecurityWriter::OpenSecurity(const QString& symbol) {
     d->requireFolder("OpenSecurity");
     if (symbol.trimmed().isEmpty())
         refuse(QStringLiteral("No symbol was given."), "OpenSecurity");
-    const int i = d->folder->findBySymbol(symbol);
-    if (i < 0)
-        refuse(QStringLiteral("There is no security with the symbol \"%1\" in the folder.").arg(symbol.trimmed()),
-               "OpenSecurity");
+    const int i = d->folder->securityWithSymbol(symbol, "SecurityWriter::OpenSecurity");
     d->closeSecurity();
     d->select(i);
 }
 
 void SecurityWriter::DeleteSecurity(const QString& symbol) {
     d->requireFolder("DeleteSecurity");
-    const int i = d->folder->findBySymbol(symbol);
-    if (i < 0 || symbol.trimmed().isEmpty())
-        refuse(QStringLiteral("There is no security with the symbol \"%1\" in the folder.").arg(symbol.trimmed()),
-               "DeleteSecurity");
+    const int i = d->folder->securityWithSymbol(symbol, "SecurityWriter::DeleteSecurity");
     d->closeSecurity();
     auto& list = d->folder->index.securities;
     const Security gone = list[size_t(i)];
@@ -508,10 +500,7 @@ void SecurityWriter::ChangeQuote(const QString& storeDateText, const QString& /*
 
 void SecurityWriter::ChangeSecurity(const QString& oldSymbol, const QString& name, const QString& symbol) {
     d->requireFolder("ChangeSecurity");
-    const int i = d->folder->findBySymbol(oldSymbol);
-    if (i < 0 || oldSymbol.trimmed().isEmpty())
-        refuse(QStringLiteral("There is no security with the symbol \"%1\" in the folder.").arg(oldSymbol.trimmed()),
-               "ChangeSecurity");
+    const int i = d->folder->securityWithSymbol(oldSymbol, "SecurityWriter::ChangeSecurity");
     const QString sym = checkedSymbol(symbol, "ChangeSecurity");
     const int other = d->folder->findBySymbol(sym);
     if (other >= 0 && other != i)
@@ -532,7 +521,7 @@ void SecurityWriter::ChangeSecurity(const QString& oldSymbol, const QString& nam
 
 bool SecurityWriter::SymbolExists(const QString& symbol) {
     d->requireFolder("SymbolExists");
-    return !symbol.trimmed().isEmpty() && d->folder->findBySymbol(symbol) >= 0;
+    return d->folder->findBySymbol(symbol) >= 0;
 }
 
 void SecurityWriter::CloseSecurity() { d->closeSecurity(); }

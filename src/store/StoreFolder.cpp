@@ -87,7 +87,6 @@ void Folder::noteFile(const QString& name) {
 void Folder::forgetFile(const QString& name) { names_.remove(name.toUpper()); }
 
 void Folder::saveIndex() {
-    securitiesChanged();
     const bool anyExtended = index.extendedCount() > 0;
     if (anyExtended && index.foreignXmaster)
         throw Failure(FailureNumber::Store,
@@ -103,45 +102,37 @@ void Folder::saveIndex() {
     const QByteArray emaster = writeEmaster ? buildEmaster(index) : QByteArray();
     const QByteArray xmaster = writeXmaster ? buildXmaster(index) : QByteArray();
 
+    auto put = [this](const QString& name, const QByteArray& bytes) {
+        StoreFiles::replaceFile(filePath(name), bytes);
+        noteFile(name);
+    };
     if (writeEmaster) {
-        const QString name = names_.value(QStringLiteral("EMASTER"), QStringLiteral("EMASTER"));
-        StoreFiles::replaceFile(QDir(path).filePath(name), emaster);
-        noteFile(name);
+        put(QStringLiteral("EMASTER"), emaster);
         index.hasEmaster = true;
-        index.emasterHeader = emaster.left(192);
+        index.emasterHeader = emaster.left(EmasterRecordLength);
     }
-    {
-        const QString name = names_.value(QStringLiteral("MASTER"), QStringLiteral("MASTER"));
-        StoreFiles::replaceFile(QDir(path).filePath(name), master);
-        noteFile(name);
-        index.hasMaster = true;
-        index.masterHeader = master.left(53);
-    }
+    put(QStringLiteral("MASTER"), master);
+    index.hasMaster = true;
+    index.masterHeader = master.left(MasterRecordLength);
     if (writeXmaster) {
-        const QString name = names_.value(QStringLiteral("XMASTER"), QStringLiteral("XMASTER"));
-        StoreFiles::replaceFile(QDir(path).filePath(name), xmaster);
-        noteFile(name);
+        put(QStringLiteral("XMASTER"), xmaster);
         index.hasXmaster = true;
-        index.xmasterHeader = xmaster.left(150);
+        index.xmasterHeader = xmaster.left(XmasterRecordLength);
     }
 
     // What is on disk now is what later rewrites start from.
     int m = 0, x = 0;
     for (Security& s : index.securities) {
         if (s.extended) {
-            s.xmasterRaw = xmaster.mid(150 * ++x, 150);
+            s.xmasterRaw = xmaster.mid(qsizetype(++x) * XmasterRecordLength, XmasterRecordLength);
+            index.nextExtendedNumber = std::max(index.nextExtendedNumber, s.fileNumber + 1);
         } else {
             ++m;
-            s.masterRaw = master.mid(53 * m, 53);
+            s.masterRaw = master.mid(qsizetype(m) * MasterRecordLength, MasterRecordLength);
             if (writeEmaster)
-                s.emasterRaw = emaster.mid(192 * m, 192);
-        }
-    }
-    for (const Security& s : index.securities) {
-        if (!s.extended)
+                s.emasterRaw = emaster.mid(qsizetype(m) * EmasterRecordLength, EmasterRecordLength);
             index.highestMasterNumber = std::max(index.highestMasterNumber, s.fileNumber);
-        else
-            index.nextExtendedNumber = std::max(index.nextExtendedNumber, s.fileNumber + 1);
+        }
     }
 }
 
@@ -157,6 +148,8 @@ int Folder::findBySymbol(const QString& symbol) const {
         symbolsKnown_ = true;
     }
     const QString wanted = symbol.trimmed();
+    if (wanted.isEmpty())
+        return -1;
     const int exact = symbols_.value(wanted, -1);
     return exact >= 0 ? exact : upperSymbols_.value(wanted.toUpper(), -1);
 }
@@ -173,14 +166,29 @@ int Folder::findByName(const QString& name) const {
     return -1;
 }
 
+int Folder::securityWithSymbol(const QString& symbol, const char* source) const {
+    const int i = findBySymbol(symbol);
+    if (i < 0)
+        throw Failure(FailureNumber::Store,
+                      QStringLiteral("There is no security with the symbol \"%1\" in the folder.").arg(symbol.trimmed()),
+                      QString::fromLatin1(source));
+    return i;
+}
+
+int Folder::securityNamed(const QString& name, const char* source) const {
+    const int i = findByName(name);
+    if (i < 0)
+        throw Failure(FailureNumber::Store,
+                      QStringLiteral("There is no security named \"%1\" in the folder.").arg(name.trimmed()),
+                      QString::fromLatin1(source));
+    return i;
+}
+
 std::pair<int, bool> Folder::newFileNumber() const {
     QSet<int> used;
     for (const Security& s : index.securities)
         used.insert(s.fileNumber);
-    auto freeNumber = [&](int n, bool extended) {
-        const QString name = QStringLiteral("F%1.%2").arg(n).arg(extended ? QStringLiteral("MWD") : QStringLiteral("DAT"));
-        return !used.contains(n) && !hasFile(name);
-    };
+    auto freeNumber = [&](int n, bool extended) { return !used.contains(n) && !hasFile(dataFileName(n, extended)); };
     if (index.masterCount() < MaxMasterSecurities) {
         const int next = index.highestMasterNumber + 1;
         if (next <= MaxMasterSecurities && freeNumber(next, false))

@@ -39,11 +39,14 @@ public:
     // has securities past 255 or an XMASTER already.
     void saveIndex();
 
-    // -1 when none. Exact match first, then one without regard to case.
+    // -1 when none (always for a blank symbol). Exact match first, then one without regard to case.
     int findBySymbol(const QString& symbol) const;
     // To be called whenever the list of securities or a symbol changed.
     void securitiesChanged() { symbolsKnown_ = false; }
     int findByName(const QString& name) const;
+    // As the two above, but a security the folder lacks raises Failure with `source` ("Class::Operation").
+    int securityWithSymbol(const QString& symbol, const char* source) const;
+    int securityNamed(const QString& name, const char* source) const;
 
     // A file number for a new security, and whether it goes to XMASTER. Raises Failure when the
     // folder cannot take one more.
