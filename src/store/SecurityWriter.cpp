@@ -5,7 +5,6 @@
 #include "store/StoreFolder.h"
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 #include <optional>
 
@@ -26,9 +25,9 @@ qint32 dateOf(const QString& text, const char* operation) {
 }
 
 float valueOf(double value, const char* what, const char* operation) {
-    const float f = float(value);
+    const float f = float(value);  // NaN and values past a float's range come out infinite or NaN
     unsigned char mbf[4];
-    if (!std::isfinite(value) || !std::isfinite(f) || !floatToMbf(f, mbf))
+    if (!floatToMbf(f, mbf))
         refuse(QStringLiteral("The %1 %2 cannot be stored.").arg(QLatin1String(what)).arg(value), operation);
     return f;
 }
@@ -105,26 +104,8 @@ struct SecurityWriter::Impl {
         QByteArray bytes = StoreFiles::readAll(path);
         const int count = dataRecordCount(bytes, bytes.size(), layout, s.dataFileName());
         bytes.truncate(qsizetype(count + 1) * layout.recordLength());
-        std::vector<qint32> ds(static_cast<size_t>(count));
-        DataSummary sum;
-        sum.count = count;
-        for (int k = 0; k < count; ++k) {
-            ds[size_t(k)] = recordDate(bytes, layout, k);
-            if (k == 0) {
-                sum.firstDate = sum.lastDate = ds[0];
-                continue;
-            }
-            sum.firstDate = std::min(sum.firstDate, ds[size_t(k)]);
-            sum.lastDate = std::max(sum.lastDate, ds[size_t(k)]);
-            const qint32 d = ds[size_t(k)], p = ds[size_t(k - 1)];
-            const bool after = layout.time ? (d > p || (d == p && recordTime(bytes, layout, k) > recordTime(bytes, layout, k - 1)))
-                                           : d > p;
-            if (!after)
-                sum.ordered = false;
-        }
+        disk = summaryOf(bytes, layout, count, &dates);
         raw = std::move(bytes);
-        dates = std::move(ds);
-        disk = sum;
         loaded = true;
     }
 

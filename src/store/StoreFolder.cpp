@@ -211,23 +211,48 @@ std::pair<int, bool> Folder::newFileNumber() const {
 
 // ---- Data files --------------------------------------------------------------------------------
 
-DataSummary summaryOf(const std::vector<Record>& records, bool intraday) {
+namespace {
+
+// The summary of `count` records whose date and time `at(i)` gives.
+template <typename At>
+DataSummary summaryFrom(int count, bool intraday, At at) {
     DataSummary s;
-    s.count = int(records.size());
-    for (size_t i = 0; i < records.size(); ++i) {
-        const Record& r = records[i];
+    s.count = count;
+    std::pair<qint32, qint32> previous;
+    for (int i = 0; i < count; ++i) {
+        const std::pair<qint32, qint32> now = at(i);
+        const qint32 date = now.first;
         if (i == 0) {
-            s.firstDate = s.lastDate = r.date;
+            s.firstDate = s.lastDate = date;
         } else {
-            s.firstDate = std::min(s.firstDate, r.date);
-            s.lastDate = std::max(s.lastDate, r.date);
-            const Record& p = records[i - 1];
-            const bool after = intraday ? (r.date > p.date || (r.date == p.date && r.time > p.time)) : r.date > p.date;
-            if (!after)
+            s.firstDate = std::min(s.firstDate, date);
+            s.lastDate = std::max(s.lastDate, date);
+            if (!(date > previous.first || (intraday && date == previous.first && now.second > previous.second)))
                 s.ordered = false;
         }
+        previous = now;
     }
     return s;
+}
+
+} // namespace
+
+DataSummary summaryOf(const std::vector<Record>& records, bool intraday) {
+    return summaryFrom(int(records.size()), intraday, [&](int i) {
+        const Record& r = records[size_t(i)];
+        return std::pair(r.date, r.time);
+    });
+}
+
+DataSummary summaryOf(const QByteArray& bytes, const Layout& layout, int count, std::vector<qint32>* dates) {
+    if (dates)
+        dates->resize(size_t(count));
+    return summaryFrom(count, layout.time, [&](int i) {
+        const qint32 date = recordDate(bytes, layout, i);
+        if (dates)
+            (*dates)[size_t(i)] = date;
+        return std::pair(date, recordTime(bytes, layout, i));
+    });
 }
 
 std::vector<Record> readRecords(const QString& path, const Layout& layout, const QString& fileName) {
@@ -251,23 +276,7 @@ DataSummary summarize(const QString& path, const Layout& layout, const QString& 
         return it->summary;
     // Dates (and times) alone: a list of a big folder asks this of every security.
     const QByteArray bytes = StoreFiles::readAll(path);
-    DataSummary s;
-    s.count = dataRecordCount(bytes, bytes.size(), layout, fileName);
-    qint32 previousDate = 0, previousTime = 0;
-    for (int i = 0; i < s.count; ++i) {
-        const qint32 date = recordDate(bytes, layout, i);
-        const qint32 time = recordTime(bytes, layout, i);
-        if (i == 0) {
-            s.firstDate = s.lastDate = date;
-        } else {
-            s.firstDate = std::min(s.firstDate, date);
-            s.lastDate = std::max(s.lastDate, date);
-            if (!(date > previousDate || (layout.time && date == previousDate && time > previousTime)))
-                s.ordered = false;
-        }
-        previousDate = date;
-        previousTime = time;
-    }
+    const DataSummary s = summaryOf(bytes, layout, dataRecordCount(bytes, bytes.size(), layout, fileName));
     cache().insert(path, CachedSummary{now, layout.recordLength(), layout.time, s});
     return s;
 }

@@ -66,6 +66,9 @@ DataSummary summarize(const QString& path, const Layout& layout, const QString& 
 void rememberSummary(const QString& path, const Layout& layout, const DataSummary& summary);
 void forgetSummary(const QString& path);
 DataSummary summaryOf(const std::vector<Record>& records, bool intraday);
+// The summary of the first `count` records of a data file's bytes; `dates`, when given, receives
+// the date of each.
+DataSummary summaryOf(const QByteArray& bytes, const Layout& layout, int count, std::vector<qint32>* dates = nullptr);
 
 // All records of a data file in file order. Raises Failure.
 std::vector<Record> readRecords(const QString& path, const Layout& layout, const QString& fileName);
