@@ -32,13 +32,24 @@ float valueOf(double value, const char* what, const char* operation) {
     return f;
 }
 
-QString checkedSymbol(const QString& symbol, const char* operation) {
+// The symbol for security `self` (-1 for a new one): trimmed, not too long, and held by no other
+// security of the folder.
+QString checkedSymbol(const Folder& folder, const QString& symbol, int self, const char* operation) {
     const QString s = symbol.trimmed();
     if (s.isEmpty())
         refuse(QStringLiteral("A security needs a symbol."), operation);
     if (s.size() > MaxSymbolLength)
         refuse(QStringLiteral("The symbol \"%1\" is longer than %2 characters.").arg(s).arg(MaxSymbolLength), operation);
+    const int holder = folder.findBySymbol(s);
+    if (holder >= 0 && holder != self)
+        refuse(QStringLiteral("The folder already holds a security with the symbol \"%1\".").arg(s), operation);
     return s;
+}
+
+// The name a security is given: the symbol when none.
+QString nameFor(const QString& name, const QString& symbol) {
+    const QString n = name.trimmed();
+    return n.isEmpty() ? symbol : n.left(MaxNameLength);
 }
 
 } // namespace
@@ -73,12 +84,10 @@ struct SecurityWriter::Impl {
         const Security& s = folder->index.securities[size_t(i)];
         const Layout l = s.layout();
         const DataSummary sum = summarize(folder->dataPath(s), l, s.dataFileName());
+        deselect();
         selected = i;
         layout = l;
         disk = sum;
-        unload();
-        pending.clear();
-        seedDate = 0;
     }
     void unload() {
         loaded = false;
@@ -324,6 +333,19 @@ struct SecurityWriter::Impl {
         indexDirty = false;
     }
 
+    // Writes the index after a change to the securities; when that fails, `undo` takes the change back.
+    template <typename Undo>
+    void saveIndexOrUndo(Undo undo) {
+        folder->securitiesChanged();
+        try {
+            folder->saveIndex();
+        } catch (...) {
+            undo();
+            folder->securitiesChanged();
+            throw;
+        }
+    }
+
     Record recordOf(qint32 date, double open, double high, double low, double close, double volume,
                     const char* operation) const {
         Record r;
@@ -348,9 +370,7 @@ SecurityWriter::~SecurityWriter() {
 
 void SecurityWriter::CreateSecurity(const QString& symbol, const QString& name, qint32 periodicity) {
     d->requireFolder("CreateSecurity");
-    const QString sym = checkedSymbol(symbol, "CreateSecurity");
-    if (d->folder->findBySymbol(sym) >= 0)
-        refuse(QStringLiteral("The folder already holds a security with the symbol \"%1\".").arg(sym), "CreateSecurity");
+    const QString sym = checkedSymbol(*d->folder, symbol, -1, "CreateSecurity");
     const char letter = periodicityLetter(periodicity);
     if (letter == 0)
         refuse(QStringLiteral("%1 is not a periodicity.").arg(periodicity), "CreateSecurity");
@@ -358,7 +378,7 @@ void SecurityWriter::CreateSecurity(const QString& symbol, const QString& name, 
 
     Security s;
     s.symbol = sym;
-    s.name = name.trimmed().isEmpty() ? sym : name.trimmed().left(MaxNameLength);
+    s.name = nameFor(name, sym);
     s.periodicity = letter;
     s.fieldCount = 7;
     s.fieldBits = letter == 'I' ? 0xBF : 0x7F;
@@ -382,14 +402,7 @@ void SecurityWriter::CreateSecurity(const QString& symbol, const QString& name, 
     auto at = extended ? list.end() : std::find_if(list.begin(), list.end(), [](const Security& x) { return x.extended; });
     const int position = int(at - list.begin());
     list.insert(at, std::move(s));
-    d->folder->securitiesChanged();
-    try {
-        d->folder->saveIndex();
-    } catch (...) {
-        list.erase(list.begin() + position);
-        d->folder->securitiesChanged();
-        throw;
-    }
+    d->saveIndexOrUndo([&] { list.erase(list.begin() + position); });
     d->select(position);
 }
 
@@ -435,14 +448,7 @@ void SecurityWriter::DeleteSecurity(const QString& symbol) {
     auto& list = d->folder->index.securities;
     const Security gone = list[size_t(i)];
     list.erase(list.begin() + i);
-    d->folder->securitiesChanged();
-    try {
-        d->folder->saveIndex();
-    } catch (...) {
-        list.insert(list.begin() + i, gone);
-        d->folder->securitiesChanged();
-        throw;
-    }
+    d->saveIndexOrUndo([&] { list.insert(list.begin() + i, gone); });
     const QString path = d->folder->dataPath(gone);
     forgetSummary(path);
     StoreFiles::removeFile(path);
@@ -482,22 +488,12 @@ void SecurityWriter::ChangeQuote(const QString& storeDateText, const QString& /*
 void SecurityWriter::ChangeSecurity(const QString& oldSymbol, const QString& name, const QString& symbol) {
     d->requireFolder("ChangeSecurity");
     const int i = d->folder->securityWithSymbol(oldSymbol, "SecurityWriter::ChangeSecurity");
-    const QString sym = checkedSymbol(symbol, "ChangeSecurity");
-    const int other = d->folder->findBySymbol(sym);
-    if (other >= 0 && other != i)
-        refuse(QStringLiteral("The folder already holds a security with the symbol \"%1\".").arg(sym), "ChangeSecurity");
+    const QString sym = checkedSymbol(*d->folder, symbol, i, "ChangeSecurity");
     Security& s = d->folder->index.securities[size_t(i)];
     const Security was = s;
     s.symbol = sym;
-    s.name = name.trimmed().isEmpty() ? sym : name.trimmed().left(MaxNameLength);
-    d->folder->securitiesChanged();
-    try {
-        d->folder->saveIndex();
-    } catch (...) {
-        d->folder->index.securities[size_t(i)] = was;
-        d->folder->securitiesChanged();
-        throw;
-    }
+    s.name = nameFor(name, sym);
+    d->saveIndexOrUndo([&] { d->folder->index.securities[size_t(i)] = was; });
 }
 
 bool SecurityWriter::SymbolExists(const QString& symbol) {
