@@ -4,6 +4,7 @@
 //    securities of 10 and of 10,000 records.
 //  - A Yahoo merge of 35 days into a 10,000-record security: DateExists, DeleteQuote if the date is
 //    held, AddQuote, per record; one SaveQuotes. Goal: under 2 ms.
+#include "frame/Regional.h"
 #include "store/SecurityWriter.h"
 
 #include <QDate>
@@ -17,13 +18,11 @@
 
 namespace {
 
-qint32 storeDate(const QDate& d) { return d.year() * 10000 + d.month() * 100 + d.day(); }
-
 std::vector<qint32> weekdays(QDate from, int count) {
     std::vector<qint32> out;
     for (; int(out.size()) < count; from = from.addDays(1))
         if (from.dayOfWeek() <= 5)
-            out.push_back(storeDate(from));
+            out.push_back(Regional::toStoreDate(from));
     return out;
 }
 
@@ -44,13 +43,13 @@ struct NseFolder {
             w.CloseSecurity();
         }
         w.CloseFolder();
-        next = QDate::fromString(QString::number(days.back()), QStringLiteral("yyyyMMdd")).addDays(1);
+        next = Regional::fromStoreDate(days.back()).addDays(1);
         runDay();  // the first look at each data file reads it whole; a run of days sees that once
     }
     void runDay() {
         while (next.dayOfWeek() > 5)
             next = next.addDays(1);
-        const qint32 date = storeDate(next);
+        const qint32 date = Regional::toStoreDate(next);
         SecurityWriter w;
         w.OpenFolder(dir.path());
         for (int s = 0; s < securities; ++s) {
@@ -96,14 +95,14 @@ void BM_YahooMerge35Days(benchmark::State& state) {
         w.SaveQuotes();
         w.CloseFolder();
     }
-    QDate last = QDate::fromString(QString::number(days.back()), QStringLiteral("yyyyMMdd"));
+    QDate last = Regional::fromStoreDate(days.back());
     for (auto _ : state) {
         // The reply runs from 35 days before the last date to a day after it, newest first.
         const QDate newest = last.addDays(1);
         std::vector<qint32> reply;
         for (QDate d = newest; d >= last.addDays(-35); d = d.addDays(-1))
             if (d.dayOfWeek() <= 5)
-                reply.push_back(storeDate(d));
+                reply.push_back(Regional::toStoreDate(d));
         SecurityWriter w;
         w.OpenFolder(dir.path());
         w.OpenSecurity(QStringLiteral("BIG"));
