@@ -1,6 +1,7 @@
 #include "Cli.h"
 
 #include "frame/Failure.h"
+#include "frame/Regional.h"
 #include "store/MetaStockFormat.h"
 #include "store/SecurityReader.h"
 #include "store/SecurityWriter.h"
@@ -32,10 +33,15 @@ QString fileStem(const QString& fileName) {
     return dot < 0 ? fileName : fileName.left(dot);
 }
 
+// The store date of "yyyymmdd" text; 0 when it is no day the store can hold.
+qint32 storeDateOf(const QString& text) {
+    const qint32 date = Regional::toStoreDate(Regional::fromYyyymmdd(text.trimmed()));
+    return metastock::isValidStoreDate(date) ? date : 0;
+}
+
 qint32 dateArgument(const QString& text) {
-    bool ok = false;
-    const qint32 date = text.toInt(&ok);
-    if (!ok || text.size() != 8 || !metastock::isValidStoreDate(date))
+    const qint32 date = storeDateOf(text);
+    if (date == 0)
         throw Usage{QStringLiteral("\"%1\" is not a date of the form YYYYMMDD").arg(text)};
     return date;
 }
@@ -124,8 +130,8 @@ int import(const QString& folder, const QString& symbol, const QString& fileName
         bool ok = fields.size() == 6;
         Row row{};
         if (ok) {
-            row.date = fields[0].trimmed().toInt(&ok);
-            ok = ok && metastock::isValidStoreDate(row.date);
+            row.date = storeDateOf(fields[0]);
+            ok = row.date != 0;
         }
         for (int i = 0; ok && i < 5; ++i)
             row.values[i] = fields[i + 1].trimmed().toDouble(&ok);

@@ -1,6 +1,7 @@
 #include "store/SecurityWriter.h"
 
 #include "frame/Failure.h"
+#include "frame/Regional.h"
 #include "store/StoreFiles.h"
 #include "store/StoreFolder.h"
 
@@ -17,9 +18,8 @@ namespace {
 }
 
 qint32 dateOf(const QString& text, const char* operation) {
-    bool ok = false;
-    const qint32 date = text.trimmed().toInt(&ok);
-    if (!ok || !isValidStoreDate(date))
+    const qint32 date = Regional::toStoreDate(Regional::fromYyyymmdd(text.trimmed()));
+    if (!isValidStoreDate(date))
         refuse(QStringLiteral("\"%1\" is not a date of the form yyyymmdd.").arg(text.trimmed()), operation);
     return date;
 }
