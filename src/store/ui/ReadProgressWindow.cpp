@@ -2,12 +2,14 @@
 
 #include "frame/ui/Centring.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace {
 const QString DefaultCaption = QStringLiteral("Reading");
@@ -23,7 +25,6 @@ ReadProgressWindow::ReadProgressWindow(QWidget* parent)
     cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
     setWindowTitle(DefaultCaption);
     setWindowModality(Qt::ApplicationModal);
-    setAttribute(Qt::WA_DeleteOnClose, false);
 
     ProgressBar1->setRange(0, 100);
     ProgressBar1->setValue(0);
