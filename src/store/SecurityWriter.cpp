@@ -118,10 +118,19 @@ struct SecurityWriter::Impl {
         loaded = true;
     }
 
-    void keep(QByteArray bytes, std::vector<qint32> newDates, const DataSummary& sum) {
+    // The file as just rewritten in order: `bytes`, holding the first `kept` records as they were
+    // and then `after`.
+    void keep(QByteArray bytes, int kept, const std::vector<Record>& after) {
         raw = std::move(bytes);
-        dates = std::move(newDates);
-        disk = sum;
+        dates.resize(size_t(kept));
+        for (const Record& r : after)
+            dates.push_back(r.date);
+        disk = DataSummary{};
+        disk.count = int(dates.size());
+        if (!dates.empty()) {
+            disk.firstDate = dates.front();
+            disk.lastDate = dates.back();
+        }
         loaded = true;
         rememberSummary(dataPath(), layout, disk);
     }
@@ -233,16 +242,7 @@ struct SecurityWriter::Impl {
         QByteArray bytes = raw.left(qsizetype(kept + 1) * layout.recordLength()) + encodeRecords(merged, layout);
         setDataCount(bytes, count);
         StoreFiles::replaceFile(dataPath(), bytes);
-        std::vector<qint32> newDates(dates.begin(), dates.begin() + kept);
-        for (const Record& r : merged)
-            newDates.push_back(r.date);
-        DataSummary sum;
-        sum.count = count;
-        if (count > 0) {
-            sum.firstDate = newDates.front();
-            sum.lastDate = newDates.back();
-        }
-        keep(std::move(bytes), std::move(newDates), sum);
+        keep(std::move(bytes), kept, merged);
     }
 
     // Applies `edit` to all records, puts them in order with one record a date, and rewrites
@@ -261,11 +261,7 @@ struct SecurityWriter::Impl {
         checkCount(qint64(recs.size()));
         QByteArray bytes = buildData(recs, layout);
         StoreFiles::replaceFile(dataPath(), bytes);
-        std::vector<qint32> newDates;
-        newDates.reserve(recs.size());
-        for (const Record& r : recs)
-            newDates.push_back(r.date);
-        keep(std::move(bytes), std::move(newDates), summaryOf(recs, layout.time));
+        keep(std::move(bytes), 0, recs);
     }
 
     // Oldest first; of two records of one date (and time) the later in the list stays.
