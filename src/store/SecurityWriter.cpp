@@ -167,8 +167,9 @@ struct SecurityWriter::Impl {
         else
             rewrite([&](std::vector<Record>& recs) {
                 bool changed = false;
-                for (const auto& [date, record] : pending) {
-                    const auto gone = std::remove_if(recs.begin(), recs.end(), [&](const Record& r) { return r.date == date; });
+                for (const auto& [key, record] : pending) {
+                    const qint32 date = key;   // a plain name the lambda below can capture
+                    const auto gone = std::remove_if(recs.begin(), recs.end(), [date](const Record& r) { return r.date == date; });
                     changed = changed || gone != recs.end();
                     recs.erase(gone, recs.end());
                     if (record) {
