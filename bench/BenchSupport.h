@@ -25,8 +25,10 @@ public:
     QString prompt(const QString&, const QString&, const QString&) override { return {}; }
     bool openAddress(const QString&) override { return false; }
     QDate today() override { return today_; }
+    void quit() override {}
     QString programFolder() override { return dir_.path(); }
     QString userDataFolder() override { return dir_.path(); }
+    QString cacheFolder() override { return dir_.path(); }
     QString getSetting(const QString&, const QString&, const QString& defaultValue) override { return defaultValue; }
     void saveSetting(const QString&, const QString&, const QString&) override {}
 

@@ -1,8 +1,8 @@
 // Parsing a reply of the quotes service into Quotes: 10,000 rows, newest first.
 
 #include "BenchSupport.h"
-#include "download/clsDailyQuotes.h"
-#include "frame/Module1.h"
+#include "download/DailyQuotes.h"
+#include "frame/ProgramState.h"
 
 #include <QCoreApplication>
 #include <QDate>
@@ -25,10 +25,10 @@ QString reply(int rows) {
 void ParseReply(benchmark::State& state) {
     const QString text = reply(static_cast<int>(state.range(0)));
     for (auto _ : state) {
-        const QString normalised = clsDailyQuotes::NormaliseReply(text);
-        benchmark::DoNotOptimize(clsDailyQuotes::ReadTable(normalised));
+        const QString normalised = DailyQuotes::NormaliseReply(text);
+        benchmark::DoNotOptimize(DailyQuotes::ReadTable(normalised));
     }
-    if (Module1::Quotes.upperBound() != state.range(0))
+    if (handOvers().Quotes.upperBound() != state.range(0))
         state.SkipWithError("not every row was read");
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }

@@ -5,8 +5,8 @@
 #include "download/DownloadRun.h"
 #include "download/Inet.h"
 #include "download/ServiceAddresses.h"
-#include "download/clsDailyQuotes.h"
-#include "frame/Module1.h"
+#include "download/DailyQuotes.h"
+#include "frame/ProgramState.h"
 #include "frame/Regional.h"
 #include "store/SecurityWriter.h"
 
@@ -36,7 +36,6 @@ void RunOf200Securities(benchmark::State& state) {
     QuietPlatform services({2026, 11, 23});
     setPlatform(&services);
     QTemporaryDir folder;
-    clsDailyQuotes::setTracePath(folder.filePath(QStringLiteral("t.txt")));
 
     LoopbackHttpServer server;
     server.serve(LoopbackReply::ok("Date,Open,High,Low,Close,Volume,Adj Close\n"
@@ -56,9 +55,9 @@ void RunOf200Securities(benchmark::State& state) {
         }
         writer.CloseFolder();
     }
-    Module1::DownloadItems.clear();
+    handOvers().DownloadItems.clear();
     for (int i = 1; i <= Count; ++i)
-        Module1::DownloadItems.append({QStringLiteral("S%1").arg(i), Regional::dateText({2026, 8, 27}),
+        handOvers().DownloadItems.append({QStringLiteral("S%1").arg(i), Regional::dateText({2026, 8, 27}),
                                        Regional::dateText({2026, 10, 2}), folder.path()});
 
     qint64 totalNs = 0;
@@ -83,7 +82,6 @@ void RunOf200Securities(benchmark::State& state) {
     state.counters["us_outside_wait_per_security"] = (totalNs - waitNs) / perSecurity / 1000.0;
 
     ServiceAddresses::setYahooQuotes({});
-    clsDailyQuotes::setTracePath({});
     setPlatform(nullptr);
 }
 BENCHMARK(RunOf200Securities)->Unit(benchmark::kMillisecond)->Iterations(5);

@@ -1,11 +1,11 @@
 // How long a data sheet takes to load a long security, the store's progress window included:
-// the whole of frmView::Form_Load, from emptying the list to the newest row selected, and the
+// the whole of DataSheetWindow::load, from emptying the list to the newest row selected, and the
 // drawing of the rows then in view.
 // Run offscreen: build/sheet-bench/bin/bench_sheet_load
 
 #include "BenchSupport.h"
 #include "sheet/SheetRows.h"
-#include "sheet/ui/frmView.h"
+#include "sheet/ui/DataSheetWindow.h"
 #include "store/SecurityWriter.h"
 #include "store/ui/ReadProgressWindow.h"
 
@@ -48,14 +48,14 @@ QString folderWith(int count) {
 void loadSheet(benchmark::State& state) {
     const int count = static_cast<int>(state.range(0));
     const QString folder = folderWith(count);
-    frmView view;
+    DataSheetWindow view;
     view.path = folder;
-    view.Sec = QStringLiteral("Long Series");
+    view.securityName = QStringLiteral("Long Series");
     view.Symbol = QStringLiteral("LONG");
     view.show();
     for (auto _ : state) {
-        view.Form_Load();
-        view.ListView1->viewport()->repaint();   // the rows in view are drawn, texts and all
+        view.load();
+        view.recordsView->viewport()->repaint();   // the rows in view are drawn, texts and all
         benchmark::DoNotOptimize(view.rows()->rowCount());
     }
     if (view.rows()->rowCount() != count || view.selectedRow() != count - 1 || quiet->boxes != 0)

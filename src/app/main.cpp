@@ -1,6 +1,6 @@
 // Brindlemark v6: the main window is the start object; nothing runs before it.
 #include "frame/Platform.h"
-#include "frame/main/MDIMain.h"
+#include "frame/main/MainWindow.h"
 #include "frame/ui/ProgramIcon.h"
 #include "frame/ui/QtPlatform.h"
 #include "store/ui/ReadProgressWindow.h"
@@ -20,7 +20,7 @@ int main(int argc, char** argv) {
 
     int result = 0;
     {
-        MDIMain frame;
+        MainWindow frame;
         frame.show();
         result = QApplication::exec();
     }

@@ -1,9 +1,9 @@
 #include "download/DownloadRun.h"
 
 #include "download/Inet.h"
-#include "download/clsDailyQuotes.h"
+#include "download/DailyQuotes.h"
 #include "frame/Failure.h"
-#include "frame/Module1.h"
+#include "frame/ProgramState.h"
 #include "frame/Platform.h"
 #include "frame/Regional.h"
 #include "store/SecurityWriter.h"
@@ -35,25 +35,25 @@ double throughText(double value) {
 } // namespace
 
 DownloadRun::DownloadRun(Inet& connection, DownloadListener& listener)
-    : Inet1(connection), listener_(listener) {}
+    : connection_(connection), listener_(listener) {}
 
 DownloadRun::~DownloadRun() = default;
 
 SecurityWriter& DownloadRun::writer() {
-    if (!Writer)
-        Writer = std::make_unique<SecurityWriter>();
-    return *Writer;
+    if (!writer_)
+        writer_ = std::make_unique<SecurityWriter>();
+    return *writer_;
 }
 
-clsDailyQuotes& DownloadRun::fetcher() {
-    if (!objDQ)
-        objDQ = std::make_unique<clsDailyQuotes>(Inet1);
-    return *objDQ;
+DailyQuotes& DownloadRun::fetcher() {
+    if (!fetcher_)
+        fetcher_ = std::make_unique<DailyQuotes>(connection_);
+    return *fetcher_;
 }
 
 void DownloadRun::release() {
-    Writer.reset();
-    objDQ.reset();
+    writer_.reset();
+    fetcher_.reset();
 }
 
 template <typename Step>
@@ -68,7 +68,7 @@ bool DownloadRun::step(Step&& action) {
 void DownloadRun::RunDownload() {
     running_ = true;
     fetchReached_ = false;
-    const int count = Module1::DownloadItems.upperBound();
+    const int count = handOvers().DownloadItems.upperBound();
     bool cancelled = false;
     try {
         for (int i = 1; i <= count && i <= std::numeric_limits<qint16>::max(); ++i) {
@@ -89,16 +89,16 @@ void DownloadRun::RunDownload() {
 
     // Closing steps, reached by every end of the run.
     passOver([&] { listener_.runEnded(); });
-    Inet1.Cancel();
+    connection_.Cancel();
     running_ = false;
     MsgBox(QStringLiteral("Download Completed."), MsgIcon::Information);
 }
 
 void DownloadRun::handleItem(int index, int count) {
-    const DownloadItem item = Module1::DownloadItems[index];
+    const DownloadItem item = handOvers().DownloadItems[index];
     ItemIndex = static_cast<qint16>(index);
 
-    step([&] { listener_.itemStarted(index, count, item.Symbol, c, u, No); });
+    step([&] { listener_.itemStarted(index, count, item.Symbol, completedCount, upToDateCount, noDataCount); });
 
     // Up to date when the next date lacking has reached today. Should the date not read, the
     // test counts as passed.
@@ -107,8 +107,8 @@ void DownloadRun::handleItem(int index, int count) {
 
     if (upToDate) {
         step([&] { listener_.lineAdded(QStringLiteral("Upto Date : ") + item.Symbol); });
-        ++u;
-        listener_.countersChanged(c, u, No);
+        ++upToDateCount;
+        listener_.countersChanged(completedCount, upToDateCount, noDataCount);
     } else {
         step([&] { listener_.fetching(item.Symbol); });
         step([&] { writer().OpenFolder(item.Folder.trimmed()); });
@@ -117,12 +117,12 @@ void DownloadRun::handleItem(int index, int count) {
         QDate firstDate;
         step([&] { firstDate = readDateOrFail(item.FirstDate); });
         fetchReached_ = true;
-        clsDailyQuotes& dq = fetcher();
+        DailyQuotes& dq = fetcher();
         if (firstDate.isValid()) {
             dq.DownloadDailyQuotes(item.Symbol, firstDate, platform().today());
         } else {
             // No fetch without a first date; nothing of an earlier reply may reach this security.
-            Module1::Quotes.clear();
+            handOvers().Quotes.clear();
             dq.Error = 2;
         }
 
@@ -138,17 +138,17 @@ void DownloadRun::handleItem(int index, int count) {
         case 0:
         case 1:
             step([&] { listener_.lineAdded(QStringLiteral("Download Complete : ") + item.Symbol); });
-            ++c;
+            ++completedCount;
             break;
         case 2:
             step([&] { listener_.lineAdded(QStringLiteral("No Data Available : ") + item.Symbol); });
-            ++No;
+            ++noDataCount;
             break;
         default:
             step([&] { listener_.lineAdded(QStringLiteral("No Internet Connection : ") + item.Symbol); });
             break;
         }
-        listener_.countersChanged(c, u, No);
+        listener_.countersChanged(completedCount, upToDateCount, noDataCount);
     }
 
     step([&] {
@@ -158,7 +158,7 @@ void DownloadRun::handleItem(int index, int count) {
 }
 
 void DownloadRun::merge() {
-    const auto& quotes = Module1::Quotes;
+    const auto& quotes = handOvers().Quotes;
     // A security takes at most 32,767 records from one reply.
     const int highest = std::min(quotes.upperBound(), int(std::numeric_limits<qint16>::max()));
     step([&] { listener_.recordRange(highest); });

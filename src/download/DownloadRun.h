@@ -1,6 +1,6 @@
 #pragma once
-// One World Exchanges download run: for each item of Module1::DownloadItems it decides whether the
-// security needs data, fetches its quotes through clsDailyQuotes and merges them into its data
+// One World Exchanges download run: for each item of handOvers().DownloadItems it decides whether the
+// security needs data, fetches its quotes through DailyQuotes and merges them into its data
 // folder through SecurityWriter. The run knows no screen: it reports through a listener, and the
 // Download Progress window maps the reports onto its controls.
 
@@ -10,7 +10,7 @@
 
 class Inet;
 class SecurityWriter;
-class clsDailyQuotes;
+class DailyQuotes;
 
 class DownloadListener {
 public:
@@ -41,7 +41,7 @@ public:
     DownloadRun(const DownloadRun&) = delete;
     DownloadRun& operator=(const DownloadRun&) = delete;
 
-    // Runs through Module1::DownloadItems, then takes the closing steps: the listener's
+    // Runs through handOvers().DownloadItems, then takes the closing steps: the listener's
     // runEnded, any open transfer cancelled, and the box "Download Completed.".
     void RunDownload();
 
@@ -49,9 +49,9 @@ public:
     bool CancelRequested = false;
     bool Running() const { return running_; }
 
-    qint16 c = 0;    // securities downloaded
-    qint16 u = 0;    // securities already up to date
-    qint16 No = 0;   // securities without data
+    qint16 completedCount = 0;    // securities downloaded
+    qint16 upToDateCount = 0;    // securities already up to date
+    qint16 noDataCount = 0;   // securities without data
     qint16 ItemIndex = 0;
     qint16 RecordIndex = 0;
 
@@ -59,16 +59,16 @@ private:
     void handleItem(int index, int count);
     void merge();
     SecurityWriter& writer();
-    clsDailyQuotes& fetcher();
+    DailyQuotes& fetcher();
     void release();
     // Runs one step: before the first fetch a failure ends the run, from then on it is passed over.
     template <typename Step>
     bool step(Step&& action);
 
-    Inet& Inet1;
+    Inet& connection_;
     DownloadListener& listener_;
-    std::unique_ptr<SecurityWriter> Writer;
-    std::unique_ptr<clsDailyQuotes> objDQ;
+    std::unique_ptr<SecurityWriter> writer_;
+    std::unique_ptr<DailyQuotes> fetcher_;
     bool fetchReached_ = false;
     bool running_ = false;
 };

@@ -12,7 +12,6 @@
 
 namespace {
 
-int defaultTimeout = 60 * 1000;
 
 // Errors that come with an HTTP status: the server answered, and its body is the reply.
 bool serverAnswered(QNetworkReply::NetworkError error) {
@@ -22,10 +21,7 @@ bool serverAnswered(QNetworkReply::NetworkError error) {
 
 } // namespace
 
-int Inet::defaultTimeoutMs() { return defaultTimeout; }
-void Inet::setDefaultTimeoutMs(int ms) { defaultTimeout = ms > 0 ? ms : 60 * 1000; }
-
-Inet::Inet() : RequestTimeoutMs(defaultTimeout) {}
+Inet::Inet() : RequestTimeoutMs(60 * 1000) {}
 
 Inet::~Inet() {
     if (reply_) {

@@ -36,7 +36,8 @@ public:
     void Cancel();
     bool StillExecuting() const { return reply_ != nullptr; }
 
-    // Time without any data from the server after which a transfer fails, in milliseconds.
+    // Time without any data from the server after which a transfer fails, in milliseconds
+    // (60 seconds).
     int RequestTimeoutMs;
     // The largest body taken into memory.
     qint64 MaxReplyBytes = qint64(64) * 1024 * 1024;
@@ -45,10 +46,6 @@ public:
     int ResponseCode() const { return responseCode_; }
     // Time spent waiting for replies since this object was made, in nanoseconds.
     qint64 WaitedNanoseconds() const { return waitedNs_; }
-
-    // The time-out new objects start with: 60 seconds unless a test sets otherwise.
-    static int defaultTimeoutMs();
-    static void setDefaultTimeoutMs(int ms);
 
 private:
     std::unique_ptr<QNetworkAccessManager> manager_;

@@ -1,7 +1,7 @@
 #include "frame/CommonRoutines.h"
 
 #include "frame/Failure.h"
-#include "frame/Module1.h"
+#include "frame/ProgramState.h"
 #include "frame/Platform.h"
 #include "frame/Regional.h"
 
@@ -172,7 +172,8 @@ private:
 } // namespace
 
 void ReadSymbolsFile() {
-    using namespace Module1;
+    auto& SymbolCount = sharedState().SymbolCount;
+    auto& SymbolEntries = sharedState().SymbolEntries;
     SymbolCount = 0;
     SymbolEntries.clear();
 

@@ -24,7 +24,7 @@ QString GetShortDatePattern();
 // "JAN".."DEC" for 1..12; empty text for any other number.
 QString MonthAbbreviation(qint16 month);
 
-// Fills Module1::SymbolEntries and SymbolCount from symbols.csv in the program's own folder:
+// Fills sharedState().SymbolEntries and SymbolCount from symbols.csv in the program's own folder:
 // three comma-separated items (Group, Symbol, Name) per entry, trimmed; an item in double quotes
 // may hold commas. A missing or unreadable file leaves the list empty; nothing is reported.
 void ReadSymbolsFile();

@@ -1,8 +1,9 @@
 #pragma once
 // The services the program takes from the platform: message boxes, the folder chooser, a text
-// prompt, opening an address in the browser, today's date, the program's own folder and the
-// settings store. The Qt implementation lives in ui_frame (QtPlatform); tests install a scripted
-// one. Everything in the program reaches these services through platform().
+// prompt, opening an address in the browser, today's date, ending the program, the program's own
+// folder, the per-user folders and the settings store. The Qt implementation lives in ui_frame
+// (QtPlatform); tests install a scripted one. Everything in the program reaches these services
+// through platform().
 
 #include <QDate>
 #include <QString>
@@ -29,10 +30,15 @@ public:
     // Asks the system to open the address in its default handler; false when the call itself failed.
     virtual bool openAddress(const QString& address) = 0;
     virtual QDate today() = 0;
+    // Ends the program at once with all its windows.
+    virtual void quit() = 0;
     // The folder of the executable.
     virtual QString programFolder() = 0;
     // The per-user data folder, used for the program's own files when programFolder() is not writable.
     virtual QString userDataFolder() = 0;
+    // The per-user cache folder: files the program keeps for itself (the trace of the last reply,
+    // downloaded archives), never shared by two users of one machine.
+    virtual QString cacheFolder() = 0;
     // The per-user settings store: application "Brindlemark v6", by section and key.
     virtual QString getSetting(const QString& section, const QString& key, const QString& defaultValue) = 0;
     virtual void saveSetting(const QString& section, const QString& key, const QString& value) = 0;

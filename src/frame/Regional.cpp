@@ -209,17 +209,7 @@ std::optional<QDate> readByFields(const QString& text) {
 
 } // namespace
 
-namespace {
-QString userShortDatePattern;
-}
-
-QString shortDatePattern() {
-    if (!userShortDatePattern.isEmpty())
-        return userShortDatePattern;
-    return QLocale().dateFormat(QLocale::ShortFormat);
-}
-
-void setUserShortDatePattern(const QString& pattern) { userShortDatePattern = pattern; }
+QString shortDatePattern() { return QLocale().dateFormat(QLocale::ShortFormat); }
 
 QString dateSeparator() {
     const QString pattern = shortDatePattern();
@@ -237,10 +227,6 @@ QString dateSeparator() {
 
 QString dateText(const QDate& date) {
     return QLocale().toString(date, shortDatePattern());
-}
-
-QString longDateText(const QDate& date) {
-    return QLocale().toString(date, QLocale::LongFormat);
 }
 
 std::optional<QDate> readDate(const QString& input) {

@@ -13,21 +13,15 @@ class QLocale;
 
 namespace Regional {
 
-// The short date pattern in the letters d, M and y (as "dd/MM/yyyy" or "M/d/yy"): the user's own
-// pattern when one is set, else the locale's.
+// The short date pattern of the user's regional settings, in the letters d, M and y (as
+// "dd/MM/yyyy" or "M/d/yy"). Every date conversion follows it.
 QString shortDatePattern();
-// The user's own short date pattern, as the system's regional settings may hold one in place of
-// the locale's (a user who prefers "dd-MMM-yy"). Every date conversion follows it. Empty text goes
-// back to the locale's pattern.
-void setUserShortDatePattern(const QString& pattern);
 // The date separator: the first character of the short pattern that is not a field letter,
 // empty when the pattern has none.
 QString dateSeparator();
 
 // A date written with the short pattern: the "date text" every screen shows.
 QString dateText(const QDate& date);
-// A date written with the locale's long form.
-QString longDateText(const QDate& date);
 
 // Reads a date the way a user types it: in the order of the short pattern with any separator
 // ("06/08/2005", "6.8.05"), the long form, ISO "2005-08-06", "6 August 2005", "6-Aug-2005",

@@ -13,7 +13,7 @@ constexpr double UserExtra = -1.0;
 QString storeDateText(const QDate& date) {
     const QString text = Regional::yyyymmdd(date);
     if (text.isEmpty())
-        throw Failure(FailureNumber::Generic, QStringLiteral("Invalid date."), QStringLiteral("frmView"));
+        throw Failure(FailureNumber::Generic, QStringLiteral("Invalid date."), QStringLiteral("DataSheetWindow"));
     return text;
 }
 

@@ -2,10 +2,10 @@
 
 #include "CreateSymbolsTestKit.h"
 
-#include "catalogue/ui/frmCreateNewSymbols.h"
-#include "catalogue/ui/frmNewSymbol.h"
-#include "catalogue/ui/frmSymbolLookup.h"
-#include "frame/Module1.h"
+#include "catalogue/ui/CreateSymbolsDialog.h"
+#include "catalogue/ui/NewSymbolDialog.h"
+#include "catalogue/ui/SymbolLookupDialog.h"
+#include "frame/ProgramState.h"
 #include "frame/WebLinks.h"
 
 #include <QFileInfo>
@@ -22,12 +22,12 @@ const QString ChooserTitle = QStringLiteral("Select Folder to Stoder the Symbols
 const QString Success = QStringLiteral("Securities are created successfully.");
 
 // Types a symbol into New Symbol and presses OK (or Close).
-void typeSymbol(frmCreateNewSymbols& dialog, const QString& text, bool ok = true) {
+void typeSymbol(CreateSymbolsDialog& dialog, const QString& text, bool ok = true) {
     onNextModal([text, ok](QWidget* prompt) {
-        child<QLineEdit>(prompt, QStringLiteral("Text1"))->setText(text);
-        child<QPushButton>(prompt, ok ? QStringLiteral("Command1") : QStringLiteral("Command2"))->click();
+        child<QLineEdit>(prompt, QStringLiteral("symbolEdit"))->setText(text);
+        child<QPushButton>(prompt, ok ? QStringLiteral("okButton") : QStringLiteral("closeButton"))->click();
     });
-    dialog.cmdNewSymbol->click();
+    dialog.newSymbolButton->click();
 }
 
 class CreateNewSymbols : public ::testing::Test {
@@ -35,13 +35,13 @@ protected:
     ScriptedPlatform services;
     TempFolder temp;
     // Types the symbols into the dialog, sets folder and from date and presses Create Symbols.
-    void create(frmCreateNewSymbols& dialog, const QString& folder, const QStringList& symbols,
+    void create(CreateSymbolsDialog& dialog, const QString& folder, const QStringList& symbols,
                 const QString& from = QStringLiteral("01/01/2004")) {
-        dialog.txtDataFolder->setText(folder);
-        dialog.dtFrom->setText(from);
+        dialog.folderEdit->setText(folder);
+        dialog.fromDateEdit->setText(from);
         for (const QString& symbol : symbols)
             typeSymbol(dialog, symbol);
-        dialog.cmdCreateSymbols->click();
+        dialog.createSymbolsButton->click();
     }
     static QByteArray valuesDat(const QString& folder) {
         return readFileBytes(QDir(folder.trimmed()).filePath(QStringLiteral("values.dat")));
@@ -49,33 +49,33 @@ protected:
 };
 
 TEST_F(CreateNewSymbols, OpensWithLastFolderTheFromDateAndAnEmptyListAndShowsItsCaptions) {
-    Module1::LastFolder = QStringLiteral("/data/eod");
-    frmCreateNewSymbols dialog;
+    sharedState().LastFolder = QStringLiteral("/data/eod");
+    CreateSymbolsDialog dialog;
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Create New Symbols"));
-    EXPECT_EQ(dialog.txtDataFolder->text(), QStringLiteral("/data/eod"));
-    EXPECT_EQ(dialog.dtFrom->text(), QStringLiteral("01/01/2004"));
-    EXPECT_EQ(dialog.lstSymbols->count(), 0);
+    EXPECT_EQ(dialog.folderEdit->text(), QStringLiteral("/data/eod"));
+    EXPECT_EQ(dialog.fromDateEdit->text(), QStringLiteral("01/01/2004"));
+    EXPECT_EQ(dialog.symbolsList->count(), 0);
     const std::pair<const char*, const char*> captions[] = {
-        {"cmdNewSymbol", "New Symbol"}, {"cmdSymbolLookup", "Symbol LookUp"}, {"cmdYahoo", "Yahoo Lookup"},
-        {"cmdCreateSymbols", "Create Symbols"}, {"cmdClose", "Close"}, {"Label1", "Data Folder"}, {"Label2", "From Date"}};
+        {"newSymbolButton", "New Symbol"}, {"symbolLookupButton", "Symbol LookUp"}, {"yahooLookupButton", "Yahoo Lookup"},
+        {"createSymbolsButton", "Create Symbols"}, {"closeButton", "Close"}, {"folderLabel", "Data Folder"}, {"fromLabel", "From Date"}};
     for (const auto& [name, caption] : captions)
         EXPECT_EQ(dialog.findChild<QWidget*>(name)->property("text").toString(), QString::fromLatin1(caption)) << name;
-    EXPECT_FALSE(dialog.cmdSelectFolder->icon().isNull());
+    EXPECT_FALSE(dialog.selectFolderButton->icon().isNull());
 
-    frmNewSymbol prompt;
-    EXPECT_EQ(QStringList({prompt.windowTitle(), prompt.Label1->text(), prompt.Command1->text(), prompt.Command2->text()}),
+    NewSymbolDialog prompt;
+    EXPECT_EQ(QStringList({prompt.windowTitle(), prompt.symbolLabel->text(), prompt.okButton->text(), prompt.closeButton->text()}),
               (QStringList{"New Symbol", "Enter Symbol Name", "OK", "Close"}));
 
-    dialog.cmdYahoo->click();
+    dialog.yahooLookupButton->click();
     EXPECT_EQ(services.openedAddresses, QStringList{WebLinks::YahooLookupPage});
 }
 
 TEST_F(CreateNewSymbols, CreatesEmptySecuritiesInAFreshFolder) {
     const QString folder = temp.sub(QStringLiteral("fresh"));
-    frmCreateNewSymbols dialog;
+    CreateSymbolsDialog dialog;
     create(dialog, folder, {QStringLiteral("  INFY.NS  "), QStringLiteral("TCS")}, QStringLiteral("15/03/2005"));
 
-    EXPECT_EQ(lines(dialog.lstSymbols), (QStringList{QStringLiteral("INFY.NS"), QStringLiteral("TCS")}));
+    EXPECT_EQ(lines(dialog.symbolsList), (QStringList{QStringLiteral("INFY.NS"), QStringLiteral("TCS")}));
     ASSERT_EQ(services.boxes.size(), 1) << services.boxTexts().join(u'|').toStdString();
     EXPECT_EQ(services.boxes[0].text, Success);
     EXPECT_EQ(services.boxes[0].icon, MsgIcon::Information);
@@ -94,7 +94,7 @@ TEST_F(CreateNewSymbols, RecreatingASymbolDropsItsRecordsWithoutAsking) {
     makeSecurityWithRecords(folder, QStringLiteral("KEEP"), 3);
     ASSERT_EQ(readStore(folder).value(0).records, 5);
 
-    frmCreateNewSymbols dialog;
+    CreateSymbolsDialog dialog;
     create(dialog, folder, {QStringLiteral("HOLD"), QStringLiteral("SBIN"), QStringLiteral("SBIN")});
 
     EXPECT_EQ(services.boxTexts(), QStringList{Success});
@@ -118,9 +118,9 @@ TEST_F(CreateNewSymbols, ValuesDatHoldsTheFromDateDayFirstInEveryLocale) {
         LocaleGuard locale(QString::fromLatin1(c.locale));
         const QString folder = temp.sub(QString::number(++n));
         writeTextFile(QDir(folder).filePath(QStringLiteral("values.dat")), "31/12/2010\r\nold second line\r\n");
-        frmCreateNewSymbols dialog;
+        CreateSymbolsDialog dialog;
         const QStringList symbols = c.typed ? QStringList{QStringLiteral("ABC")} : QStringList();
-        create(dialog, QStringLiteral(" ") + folder, symbols, c.typed ? QString::fromLatin1(c.typed) : dialog.dtFrom->text());
+        create(dialog, QStringLiteral(" ") + folder, symbols, c.typed ? QString::fromLatin1(c.typed) : dialog.fromDateEdit->text());
         ASSERT_EQ(services.boxTexts(), QStringList{Success}) << c.locale << " " << c.typed;
         EXPECT_EQ(valuesDat(folder), QByteArray(c.file)) << c.locale << " " << c.typed;
         if (c.typed) {
@@ -135,19 +135,19 @@ TEST_F(CreateNewSymbols, ABadFromDateIsReportedFirstAndStopsBeforeAnythingIsWrit
     for (const char* typed : {"", "abc", "31/02/2004", "1/1/2004x"}) {
         for (const QString& dataFolder : {folder, QString()}) {
             services.boxes.clear();
-            frmCreateNewSymbols dialog;
+            CreateSymbolsDialog dialog;
             dialog.show();
             ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
             dialog.activateWindow();
-            dialog.cmdClose->setFocus();
-            dialog.lstSymbols->addItem(QStringLiteral("ABC"));
-            dialog.txtDataFolder->setText(dataFolder);
-            dialog.dtFrom->setText(QString::fromLatin1(typed));
-            dialog.cmdCreateSymbols->click();
+            dialog.closeButton->setFocus();
+            dialog.symbolsList->addItem(QStringLiteral("ABC"));
+            dialog.folderEdit->setText(dataFolder);
+            dialog.fromDateEdit->setText(QString::fromLatin1(typed));
+            dialog.createSymbolsButton->click();
             ASSERT_EQ(services.boxes.size(), 1) << typed;
             EXPECT_EQ(services.boxes[0].text + services.boxes[0].title, QStringLiteral("Invalid From Date") + Title);
             EXPECT_EQ(services.boxes[0].icon, MsgIcon::Warning);
-            EXPECT_EQ(QApplication::focusWidget(), dialog.dtFrom) << typed;
+            EXPECT_EQ(QApplication::focusWidget(), dialog.fromDateEdit) << typed;
             EXPECT_NE(dialog.result(), QDialog::Accepted);
         }
     }
@@ -159,47 +159,47 @@ TEST_F(CreateNewSymbols, ABadFromDateIsReportedFirstAndStopsBeforeAnythingIsWrit
 // button sets the field and LastFolder, and a cancelled chooser empties both.
 TEST_F(CreateNewSymbols, AnEmptyFolderOpensTheChooserAndACancelledChooserEmptiesTheField) {
     const QString folder = temp.sub(QStringLiteral("chosen"));
-    frmCreateNewSymbols dialog;
+    CreateSymbolsDialog dialog;
     services.chooseNext(folder);
     create(dialog, QStringLiteral("   "), {QStringLiteral("ABC")});
     ASSERT_EQ(services.boxes.size(), 1);
     EXPECT_EQ(services.boxes[0].text + services.boxes[0].title, QStringLiteral("Data Folder is Empty.") + Title);
     EXPECT_EQ(services.boxes[0].icon, MsgIcon::Information);
     EXPECT_EQ(services.chooserTitles, QStringList{ChooserTitle});
-    EXPECT_EQ(dialog.txtDataFolder->text(), folder);
-    EXPECT_EQ(Module1::LastFolder, folder);
+    EXPECT_EQ(dialog.folderEdit->text(), folder);
+    EXPECT_EQ(sharedState().LastFolder, folder);
     EXPECT_TRUE(QDir(folder).isEmpty());   // nothing is made until the user presses again
-    dialog.cmdCreateSymbols->click();
+    dialog.createSymbolsButton->click();
     EXPECT_EQ(services.boxTexts().last(), Success);
     EXPECT_EQ(readStore(folder).value(0).symbol, QStringLiteral("ABC"));
 
-    frmCreateNewSymbols again;
-    EXPECT_EQ(again.txtDataFolder->text(), folder);
-    again.cmdSelectFolder->click();   // the chooser is cancelled
+    CreateSymbolsDialog again;
+    EXPECT_EQ(again.folderEdit->text(), folder);
+    again.selectFolderButton->click();   // the chooser is cancelled
     EXPECT_EQ(services.chooserTitles, (QStringList{ChooserTitle, ChooserTitle}));
-    EXPECT_EQ(again.txtDataFolder->text(), QString());
-    EXPECT_EQ(Module1::LastFolder, QString());
+    EXPECT_EQ(again.folderEdit->text(), QString());
+    EXPECT_EQ(sharedState().LastFolder, QString());
 }
 
 // New Symbol adds only what was typed and confirmed, trimmed; Symbol Lookup adds SelectedSymbols,
 // also after Close, so that the picks of an earlier Select come in once more.
 TEST_F(CreateNewSymbols, TheListTakesTypedAndPickedSymbols) {
     loadSymbolList(services, "NSE,INFY.NS,Infosys\nNSE,TCS.NS,Tata Consultancy\nNSE,WIPRO.NS,Wipro\n");
-    frmCreateNewSymbols dialog;
+    CreateSymbolsDialog dialog;
     typeSymbol(dialog, QStringLiteral("AAA"));
     typeSymbol(dialog, QStringLiteral("BBB"), /*ok=*/false);   // Close
-    EXPECT_EQ(Module1::NewSymbol, QString());
+    EXPECT_EQ(handOvers().NewSymbol, QString());
     typeSymbol(dialog, QStringLiteral("    "));                // blank, OK
     typeSymbol(dialog, QString());                             // empty, OK
     typeSymbol(dialog, QStringLiteral("\t ccc d "));
-    EXPECT_EQ(lines(dialog.lstSymbols), (QStringList{"AAA", "ccc d"}));
+    EXPECT_EQ(lines(dialog.symbolsList), (QStringList{"AAA", "ccc d"}));
     const auto lookup = [&](bool select) {
         onNextModal([select](QWidget* shown) {
-            child<QListWidget>(shown, QStringLiteral("lstSymbolNames"))->item(2)->setSelected(true);
-            child<QPushButton>(shown, select ? QStringLiteral("Command1") : QStringLiteral("Command2"))->click();
+            child<QListWidget>(shown, QStringLiteral("namesList"))->item(2)->setSelected(true);
+            child<QPushButton>(shown, select ? QStringLiteral("selectButton") : QStringLiteral("closeButton"))->click();
         });
-        dialog.cmdSymbolLookup->click();
-        return lines(dialog.lstSymbols);
+        dialog.symbolLookupButton->click();
+        return lines(dialog.symbolsList);
     };
     EXPECT_EQ(lookup(false), (QStringList{"AAA", "ccc d"}));   // never selected: nothing is added
     EXPECT_EQ(lookup(true), (QStringList{"AAA", "ccc d", "INFY.NS", "WIPRO.NS"}));   // line 0 was selected
@@ -210,12 +210,12 @@ TEST_F(CreateNewSymbols, AFailureHalfwayKeepsWhatWasMadeAndTheList) {
     const QString folder = temp.sub(QStringLiteral("halfway"));
     const QString tooLong = QStringLiteral("FIFTEEN.CHARS.X");   // the store takes 14 characters
     {
-        frmCreateNewSymbols dialog;
+        CreateSymbolsDialog dialog;
         create(dialog, folder, {QStringLiteral("FIRST"), tooLong, QStringLiteral("THIRD")});
         ASSERT_EQ(services.boxes.size(), 1);   // the store's description, no icon
         EXPECT_TRUE(services.boxes[0].text.contains(tooLong) && services.boxes[0].icon == MsgIcon::None);
         EXPECT_NE(dialog.result(), QDialog::Accepted);
-        EXPECT_EQ(dialog.lstSymbols->count(), 3);
+        EXPECT_EQ(dialog.symbolsList->count(), 3);
         EXPECT_FALSE(QFileInfo::exists(QDir(folder).filePath(QStringLiteral("values.dat"))));
     }   // the dialog is gone, and its writer with it
     EXPECT_EQ(readStore(folder), (QList<Stored>{{"FIRST", "FIRST", 20040101, 20040101, 0, 1}}));
@@ -223,9 +223,9 @@ TEST_F(CreateNewSymbols, AFailureHalfwayKeepsWhatWasMadeAndTheList) {
 
 TEST_F(CreateNewSymbols, TheDialogsStandInTheMiddleOfTheScreen) {
     loadSymbolList(services, "NSE,A.NS,Alpha\n");
-    frmCreateNewSymbols create;
-    frmNewSymbol prompt;
-    frmSymbolLookup lookup;
+    CreateSymbolsDialog create;
+    NewSymbolDialog prompt;
+    SymbolLookupDialog lookup;
     for (QDialog* dialog : std::initializer_list<QDialog*>{&create, &prompt, &lookup}) {
         dialog->show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog));

@@ -3,9 +3,9 @@
 
 #include "sheet/SheetTestKit.h"
 
-#include "catalogue/ui/frmOpen.h"
+#include "catalogue/ui/OpenSecurityDialog.h"
 #include "frame/CommonRoutines.h"
-#include "frame/Module1.h"
+#include "frame/ProgramState.h"
 #include "frame/Regional.h"
 #include "frame/ui/ChildWindows.h"
 #include "support/Modal.h"
@@ -33,12 +33,12 @@ protected:
         makeSecurity(temp.path(), "BBB", "Beta Foods", series(5));
         makeSecurity(temp.path(), "CCC", "Gamma Rail", {});
         makeSecurity(second.path(), "ZZZ", "Zeta Bank", series(2, QDate(2010, 3, 1)));
-        Module1::LastFolder = temp.path();
+        sharedState().LastFolder = temp.path();
     }
 
-    // The dialog as the frame shows it, but without blocking: Form_Load runs as it comes up.
-    static std::unique_ptr<frmOpen> shown() {
-        auto dialog = std::make_unique<frmOpen>();
+    // The dialog as the frame shows it, but without blocking: load runs as it comes up.
+    static std::unique_ptr<OpenSecurityDialog> shown() {
+        auto dialog = std::make_unique<OpenSecurityDialog>();
         dialog->show();
         QApplication::processEvents();
         return dialog;
@@ -48,24 +48,24 @@ protected:
         return {item->text(0), item->text(1), item->text(2), item->text(3)};
     }
 
-    static QStringList names(const frmOpen& dialog) {
+    static QStringList names(const OpenSecurityDialog& dialog) {
         QStringList out;
-        for (int i = 0; i < dialog.ListView1->topLevelItemCount(); ++i)
-            out << dialog.ListView1->topLevelItem(i)->text(0);
+        for (int i = 0; i < dialog.securitiesList->topLevelItemCount(); ++i)
+            out << dialog.securitiesList->topLevelItem(i)->text(0);
         return out;
     }
 
-    static void clickRow(frmOpen& dialog, int row, bool twice = false) {
-        const QPoint at = dialog.ListView1->visualItemRect(dialog.ListView1->topLevelItem(row)).center();
-        QTest::mouseClick(dialog.ListView1->viewport(), Qt::LeftButton, {}, at);
+    static void clickRow(OpenSecurityDialog& dialog, int row, bool twice = false) {
+        const QPoint at = dialog.securitiesList->visualItemRect(dialog.securitiesList->topLevelItem(row)).center();
+        QTest::mouseClick(dialog.securitiesList->viewport(), Qt::LeftButton, {}, at);
         if (twice)
-            QTest::mouseDClick(dialog.ListView1->viewport(), Qt::LeftButton, {}, at);
+            QTest::mouseDClick(dialog.securitiesList->viewport(), Qt::LeftButton, {}, at);
     }
 
     static void openRow(int row) {
         auto dialog = shown();
         clickRow(*dialog, row);
-        dialog->Command1->click();
+        dialog->openButton->click();
     }
 
     // The store's description of a failed listing, as Browse and Relist show it.
@@ -79,28 +79,28 @@ protected:
 TEST_F(OpenSecurity, LoadListsTheLastFolderAndClickAndOpenGivesAFilledSheet) {
     auto dialog = shown();
     EXPECT_EQ(dialog->windowTitle(), "Open Security");
-    EXPECT_EQ(dialog->Frame1->title(), "Available Securities");
-    EXPECT_EQ(dialog->Command1->text(), "&Open");
-    EXPECT_EQ(dialog->Command2->text(), "&Cancel");
-    EXPECT_EQ(row(dialog->ListView1->headerItem()), (QStringList{"Security Name", "Symbol", "File Name", "Last Date"}));
-    EXPECT_EQ(dialog->Text2->text(), temp.path());
+    EXPECT_EQ(dialog->securitiesGroup->title(), "Available Securities");
+    EXPECT_EQ(dialog->openButton->text(), "&Open");
+    EXPECT_EQ(dialog->cancelButton->text(), "&Cancel");
+    EXPECT_EQ(row(dialog->securitiesList->headerItem()), (QStringList{"Security Name", "Symbol", "File Name", "Last Date"}));
+    EXPECT_EQ(dialog->folderEdit->text(), temp.path());
     EXPECT_EQ(names(*dialog), (QStringList{"Alpha Mining", "Beta Foods", "Gamma Rail"}));
-    const QStringList beta = row(dialog->ListView1->topLevelItem(1));
+    const QStringList beta = row(dialog->securitiesList->topLevelItem(1));
     EXPECT_EQ(beta.at(1), "BBB");
     EXPECT_FALSE(beta.at(2).isEmpty()) << "file name";
     EXPECT_EQ(beta.at(3), DateToText(series(5).back().date));
-    EXPECT_EQ(dialog->Text1->text(), "Alpha Mining") << "Load picks the first row";
+    EXPECT_EQ(dialog->securityEdit->text(), "Alpha Mining") << "Load picks the first row";
 
     clickRow(*dialog, 1);
-    EXPECT_EQ(dialog->Text1->text(), "Beta Foods");
-    dialog->Command1->click();
+    EXPECT_EQ(dialog->securityEdit->text(), "Beta Foods");
+    dialog->openButton->click();
 
     EXPECT_FALSE(dialog->isVisible());
     EXPECT_EQ(dialog->result(), QDialog::Accepted);
     const auto sheets = openSheets();
     ASSERT_EQ(sheets.size(), 1);
     EXPECT_EQ(sheets[0]->windowTitle(), "DataSheet of Beta Foods");
-    EXPECT_EQ((QStringList{sheets[0]->Text1->text(), sheets[0]->Text2->text(), sheets[0]->Text3->text()}),
+    EXPECT_EQ((QStringList{sheets[0]->folderEdit->text(), sheets[0]->nameEdit->text(), sheets[0]->symbolEdit->text()}),
               (QStringList{temp.path(), "Beta Foods", "BBB"}));
     EXPECT_EQ(sheets[0]->rows()->rowCount(), 5);
     EXPECT_EQ(sheets[0]->selectedRow(), 4);
@@ -113,18 +113,18 @@ TEST_F(OpenSecurity, LoadListsTheLastFolderAndClickAndOpenGivesAFilledSheet) {
 TEST_F(OpenSecurity, EnterAndDoubleClickInTheListOpen) {
     auto dialog = shown();
     clickRow(*dialog, 2);
-    dialog->ListView1->setFocus();
-    dialog->ListView1->setCurrentItem(dialog->ListView1->topLevelItem(0));
-    ASSERT_EQ(dialog->Text1->text(), "Gamma Rail");
-    QTest::keyClick(dialog->ListView1, Qt::Key_B);
-    EXPECT_EQ(dialog->Text1->text(), "Alpha Mining");
-    EXPECT_EQ(dialog->ListView1->currentItem()->text(0), "Beta Foods");
-    QTest::keyClick(dialog->ListView1, Qt::Key_Return);
+    dialog->securitiesList->setFocus();
+    dialog->securitiesList->setCurrentItem(dialog->securitiesList->topLevelItem(0));
+    ASSERT_EQ(dialog->securityEdit->text(), "Gamma Rail");
+    QTest::keyClick(dialog->securitiesList, Qt::Key_B);
+    EXPECT_EQ(dialog->securityEdit->text(), "Alpha Mining");
+    EXPECT_EQ(dialog->securitiesList->currentItem()->text(0), "Beta Foods");
+    QTest::keyClick(dialog->securitiesList, Qt::Key_Return);
 
     clickRow(*shown(), 0, true);
 
     QStringList opened;   // title and rows of each sheet
-    for (frmView* sheet : openSheets())
+    for (DataSheetWindow* sheet : openSheets())
         opened << sheet->windowTitle() + QString::number(sheet->rows()->rowCount());
     opened.sort();
     EXPECT_EQ(opened, (QStringList{"DataSheet of Alpha Mining3", "DataSheet of Beta Foods5"}));
@@ -135,72 +135,72 @@ TEST_F(OpenSecurity, EnterAndDoubleClickInTheListOpen) {
 TEST_F(OpenSecurity, BrowseAndEnterInTheFolderBoxRelist) {
     auto dialog = shown();
     platform.chooseNext(second.path());
-    dialog->Command4->click();
+    dialog->browseButton->click();
     EXPECT_EQ(platform.chooserTitles, QStringList{"Browse For Folder"});
-    EXPECT_EQ(dialog->Text2->text(), second.path());
+    EXPECT_EQ(dialog->folderEdit->text(), second.path());
     EXPECT_EQ(names(*dialog), QStringList{"Zeta Bank"});
-    EXPECT_EQ(Module1::LastFolder, second.path());
-    EXPECT_EQ(dialog->Text1->text(), "Alpha Mining") << "Browse doesn't pick";
+    EXPECT_EQ(sharedState().LastFolder, second.path());
+    EXPECT_EQ(dialog->securityEdit->text(), "Alpha Mining") << "Browse doesn't pick";
 
-    dialog->Text2->setText(temp.path());
-    dialog->Command4->click();   // the chooser is cancelled
-    EXPECT_EQ(dialog->Text2->text(), temp.path());
+    dialog->folderEdit->setText(temp.path());
+    dialog->browseButton->click();   // the chooser is cancelled
+    EXPECT_EQ(dialog->folderEdit->text(), temp.path());
     EXPECT_EQ(names(*dialog).size(), 3);
-    EXPECT_EQ(Module1::LastFolder, temp.path());
+    EXPECT_EQ(sharedState().LastFolder, temp.path());
 
-    dialog->Text2->setText("  " + second.path() + " ");
-    QTest::keyClick(dialog->Text2, Qt::Key_Return);
+    dialog->folderEdit->setText("  " + second.path() + " ");
+    QTest::keyClick(dialog->folderEdit, Qt::Key_Return);
     EXPECT_EQ(names(*dialog), QStringList{"Zeta Bank"});
-    EXPECT_EQ(Module1::LastFolder, temp.path());
+    EXPECT_EQ(sharedState().LastFolder, temp.path());
     EXPECT_TRUE(dialog->isVisible()) << "Enter belongs to the folder box, not to a button";
-    QTest::keyClick(dialog->Text2, Qt::Key_X);   // other keys just type
+    QTest::keyClick(dialog->folderEdit, Qt::Key_X);   // other keys just type
     EXPECT_EQ(names(*dialog), QStringList{"Zeta Bank"});
-    dialog->Text2->setText(second.path());
+    dialog->folderEdit->setText(second.path());
     EXPECT_TRUE(platform.boxes.isEmpty());
 
     // The old pick names no security here: Open tells so and the dialog stays, still working.
-    dialog->Command1->click();
+    dialog->openButton->click();
     expectStoreBox();
     EXPECT_TRUE(dialog->isVisible());
     EXPECT_TRUE(openSheets().isEmpty());
     clickRow(*dialog, 0);
-    dialog->Command1->click();
+    dialog->openButton->click();
     ASSERT_EQ(openSheets().size(), 1);
     EXPECT_EQ(openSheets()[0]->windowTitle(), "DataSheet of Zeta Bank");
 }
 
 // Load passes over a folder without a store; Browse and Enter to one complain and keep the rows.
 TEST_F(OpenSecurity, FolderWithoutAStore) {
-    Module1::LastFolder = "   ";   // a first run lists the program's own folder, which has no store
+    sharedState().LastFolder = "   ";   // a first run lists the program's own folder, which has no store
     auto dialog = shown();
-    EXPECT_EQ(dialog->Text2->text(), platform.programFolder());
-    EXPECT_EQ(dialog->ListView1->topLevelItemCount(), 0);
+    EXPECT_EQ(dialog->folderEdit->text(), platform.programFolder());
+    EXPECT_EQ(dialog->securitiesList->topLevelItemCount(), 0);
     EXPECT_TRUE(platform.boxes.isEmpty());
-    dialog->Command1->click();
+    dialog->openButton->click();
     ASSERT_EQ(platform.boxes.size(), 1);
     expectBox(0, "No Security Selected.", MsgIcon::Information, "Brindlemark v6");
     EXPECT_TRUE(dialog->isVisible());
     platform.boxes.clear();
 
-    Module1::LastFolder = temp.path();
+    sharedState().LastFolder = temp.path();
     dialog = shown();
     platform.chooseNext(bare.path());
-    dialog->Command4->click();
+    dialog->browseButton->click();
     expectStoreBox();
-    EXPECT_EQ(dialog->Text2->text(), temp.path()) << "back to the previous folder";
-    EXPECT_EQ(Module1::LastFolder, temp.path());
-    EXPECT_EQ(dialog->ListView1->topLevelItemCount(), 3) << "the rows stay as they were";
-    EXPECT_EQ(dialog->focusWidget(), dialog->Text2);
+    EXPECT_EQ(dialog->folderEdit->text(), temp.path()) << "back to the previous folder";
+    EXPECT_EQ(sharedState().LastFolder, temp.path());
+    EXPECT_EQ(dialog->securitiesList->topLevelItemCount(), 3) << "the rows stay as they were";
+    EXPECT_EQ(dialog->focusWidget(), dialog->folderEdit);
 
-    dialog->Command1->setFocus();
-    dialog->Text2->setText(bare.path());
-    QTest::keyClick(dialog->Text2, Qt::Key_Return);
+    dialog->openButton->setFocus();
+    dialog->folderEdit->setText(bare.path());
+    QTest::keyClick(dialog->folderEdit, Qt::Key_Return);
     expectStoreBox();
-    EXPECT_EQ(dialog->Text2->text(), "");
-    EXPECT_EQ(dialog->focusWidget(), dialog->Text2);
-    EXPECT_EQ(dialog->ListView1->topLevelItemCount(), 3);
+    EXPECT_EQ(dialog->folderEdit->text(), "");
+    EXPECT_EQ(dialog->focusWidget(), dialog->folderEdit);
+    EXPECT_EQ(dialog->securitiesList->topLevelItemCount(), 3);
 
-    dialog->Command2->click();
+    dialog->cancelButton->click();
     EXPECT_EQ(dialog->result(), QDialog::Rejected);
     EXPECT_TRUE(openSheets().isEmpty());
 }
@@ -217,7 +217,7 @@ TEST_F(OpenSecurity, TwoSheetsOfOneSecurityStandApart) {
     openRow(1);
     const auto subs = area.subWindowList();
     ASSERT_EQ(subs.size(), 2);
-    auto one = qobject_cast<frmView*>(subs[0]->widget()), two = qobject_cast<frmView*>(subs[1]->widget());
+    auto one = qobject_cast<DataSheetWindow*>(subs[0]->widget()), two = qobject_cast<DataSheetWindow*>(subs[1]->widget());
     ASSERT_TRUE(one && two && one != two);
     EXPECT_EQ(subs[1]->windowTitle(), "DataSheet of Beta Foods");
     EXPECT_EQ(one->rows()->rowCount(), 5);
@@ -226,11 +226,11 @@ TEST_F(OpenSecurity, TwoSheetsOfOneSecurityStandApart) {
     EXPECT_TRUE(platform.boxes.isEmpty());
 
     platform.answerNextBox(MsgAnswer::Yes);
-    one->Command5->click();   // deletes the newest record, in the first sheet only
+    one->deleteButton->click();   // deletes the newest record, in the first sheet only
     EXPECT_EQ(one->rows()->rowCount(), 4);
     EXPECT_EQ(two->rows()->rowCount(), 2);
 
-    one->Command1->click();   // "Close" takes its sub-window away, no question asked
+    one->closeButton->click();   // "Close" takes its sub-window away, no question asked
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(area.subWindowList().size(), 1);
     EXPECT_EQ(platform.boxTexts().size(), 2);
@@ -244,14 +244,14 @@ TEST_F(OpenSecurity, ModalRunOnAFixtureFolder) {
         LocaleGuard locale(name);
         TempFolder copy;
         ASSERT_TRUE(copyFixture("vendor-small", copy.path()));
-        Module1::LastFolder = copy.path();
-        frmOpen dialog;
+        sharedState().LastFolder = copy.path();
+        OpenSecurityDialog dialog;
         QStringList first;
         onNextModal([&](QWidget* w) {
-            auto open = qobject_cast<frmOpen*>(w);
-            ASSERT_TRUE(open && open->ListView1->topLevelItemCount() > 0);
-            first = row(open->ListView1->topLevelItem(0));
-            QTest::keyClick(open->ListView1, Qt::Key_Return);
+            auto open = qobject_cast<OpenSecurityDialog*>(w);
+            ASSERT_TRUE(open && open->securitiesList->topLevelItemCount() > 0);
+            first = row(open->securitiesList->topLevelItem(0));
+            QTest::keyClick(open->securitiesList, Qt::Key_Return);
         });
         EXPECT_EQ(dialog.exec(), QDialog::Accepted);
 
@@ -262,7 +262,7 @@ TEST_F(OpenSecurity, ModalRunOnAFixtureFolder) {
         ASSERT_FALSE(records.empty());
         EXPECT_EQ(sheets[0]->rows()->rowCount(), static_cast<int>(records.size())) << name;
         EXPECT_EQ(first.at(3), DateToText(records.back().date));
-        EXPECT_EQ(sheets[0]->Text4->text(), first.at(3));
+        EXPECT_EQ(sheets[0]->lastDateEdit->text(), first.at(3));
         EXPECT_EQ(sheets[0]->rows()->cell(0, 4), Regional::priceText(records.front().close));
         sheets[0]->close();
     }

@@ -3,11 +3,11 @@
 
 #include "DownloadTestKit.h"
 
-#include "frame/Module1.h"
+#include "frame/ProgramState.h"
 
 namespace {
 
-class DailyQuotes : public DownloadTest {
+class QuotesFetcher : public DownloadTest {
 protected:
     // Serves the reply and fetches ABC; returns Error.
     int fetch(const LoopbackReply& reply) {
@@ -16,13 +16,13 @@ protected:
         return dq.Error;
     }
     int fetch(const QByteArray& body, int status = 200) { return fetch(LoopbackReply::withStatus(status, body)); }
-    static const QuoteRecord& quote(int index) { return Module1::Quotes[index]; }
+    static const QuoteRecord& quote(int index) { return handOvers().Quotes[index]; }
 
     Inet inet;
-    clsDailyQuotes dq{inet};
+    ::DailyQuotes dq{inet};
 };
 
-TEST_F(DailyQuotes, AsksForTheSymbolWithTheLastDateFirstAndMonthsFromZero) {
+TEST_F(QuotesFetcher, AsksForTheSymbolWithTheLastDateFirstAndMonthsFromZero) {
     const struct {
         QString symbol;
         QDate first, last;
@@ -39,7 +39,7 @@ TEST_F(DailyQuotes, AsksForTheSymbolWithTheLastDateFirstAndMonthsFromZero) {
     EXPECT_EQ(server.targets.size(), 3);
 }
 
-TEST_F(DailyQuotes, ShapeTestAndRowWalk) {
+TEST_F(QuotesFetcher, ShapeTestAndRowWalk) {
     const QByteArray r1 = "2005-08-05,10,11,9,10.5,100,10.5\n";
     const QByteArray r2 = "2005-08-04,20,21,19,20.5,200,20.5\n";
     const struct {
@@ -70,19 +70,19 @@ TEST_F(DailyQuotes, ShapeTestAndRowWalk) {
     for (const auto& c : cases) {
         EXPECT_EQ(fetch(c.body, c.status), c.error) << c.what;
         if (c.error == 0) {
-            EXPECT_EQ(Module1::Quotes.upperBound(), c.rows) << c.what;
+            EXPECT_EQ(handOvers().Quotes.upperBound(), c.rows) << c.what;
         }
     }
 }
 
-TEST_F(DailyQuotes, RowsKeepTheirLineNumbersAndEveryField) {
+TEST_F(QuotesFetcher, RowsKeepTheirLineNumbersAndEveryField) {
     ASSERT_EQ(fetch(Header + "2005-08-05,25.50,26.75,25.125,26.00,2.5,26.00\n"
                              "2005-08-04,20,-,19,20.5,200,20.5\n"
                              "2005-08-03,30,,29,30.5,300,30.5\n"
                              "2005-08-02,40,41,39,40.5,3.5,40.5\n"
                              "2005-08-01,40,41,39,40.5,-1.5,40.5\n"),
               0);
-    ASSERT_EQ(Module1::Quotes.upperBound(), 5);
+    ASSERT_EQ(handOvers().Quotes.upperBound(), 5);
     EXPECT_EQ(quote(1).Dat, "2005-08-05");
     EXPECT_DOUBLE_EQ(quote(1).OpenPrice, 25.5);
     EXPECT_DOUBLE_EQ(quote(1).High, 26.75);
@@ -99,33 +99,35 @@ TEST_F(DailyQuotes, RowsKeepTheirLineNumbersAndEveryField) {
 
     // Nothing of this reply stays behind in the gaps of the next.
     ASSERT_EQ(fetch(Header + "2005-09-05,10,x,9,10.5,100,10.5\n2005-09-04,20,21,19,20.5,200,20.5\n"), 0);
-    ASSERT_EQ(Module1::Quotes.upperBound(), 2);
+    ASSERT_EQ(handOvers().Quotes.upperBound(), 2);
     EXPECT_TRUE(quote(1).Dat.isEmpty());
     EXPECT_EQ(quote(2).Dat, "2005-09-04");
 }
 
-TEST_F(DailyQuotes, TheTraceFileHoldsTheLastReplyAndMustBeWritable) {
+TEST_F(QuotesFetcher, TheTraceFileHoldsTheLastReplyAndMustBeWritable) {
     fetch(Header + "2005-08-05,10,11,9,10.5,100,10.5\r\n");
-    EXPECT_EQ(readFileBytes(temp.file("t.txt")),
+    const QString trace = platform_.cacheFolder() + QStringLiteral("/t.txt");
+    EXPECT_EQ(readFileBytes(trace),
               "Date,Open,High,Low,Close,Volume,Adj Close,2005-08-05,10,11,9,10.5,100,10.5,,\r\n");
     fetch("");
-    EXPECT_EQ(readFileBytes(temp.file("t.txt")), "\r\n");
+    EXPECT_EQ(readFileBytes(trace), "\r\n");
 
-    clsDailyQuotes::setTracePath(temp.sub("a-folder"));
+    QFile::remove(trace);
+    ASSERT_TRUE(QDir().mkpath(trace));   // a folder where the file should go
     EXPECT_EQ(fetch(Header + "2005-08-05,10,11,9,10.5,100,10.5\n"), 2);
 }
 
 // Under a decimal comma the comma still parts the fields: whole numbers read, a High with a
 // decimal point is no number there.
-TEST_F(DailyQuotes, NumbersReadUnderTheRegionalSettings) {
+TEST_F(QuotesFetcher, NumbersReadUnderTheRegionalSettings) {
     LocaleGuard locale("de_DE");
     ASSERT_EQ(fetch(Header + "05.08.2005,10,11,9,10,100,10\n"), 0);
     EXPECT_DOUBLE_EQ(quote(1).High, 11.0);
     ASSERT_EQ(fetch(Header + "05.08.2005,10,11.5,9,10,100,10\n"), 0);
-    EXPECT_EQ(Module1::Quotes.upperBound(), 0);
+    EXPECT_EQ(handOvers().Quotes.upperBound(), 0);
 }
 
-TEST_F(DailyQuotes, AFailedTransferIsErrorThreeAndAnOversizedReplyNoData) {
+TEST_F(QuotesFetcher, AFailedTransferIsErrorThreeAndAnOversizedReplyNoData) {
     LoopbackReply cut = LoopbackReply::ok(Header + QByteArray(4000, 'x'));
     cut.closeMidBody = true;
     LoopbackReply slow = LoopbackReply::ok(Header + "2005-08-05,10,11,9,10.5,100,10.5\n");

@@ -2,8 +2,8 @@
 
 #include "DownloadTestKit.h"
 
-#include "download/ui/frmDownloadProgress.h"
-#include "frame/Module1.h"
+#include "download/ui/DownloadProgressWindow.h"
+#include "frame/ProgramState.h"
 #include "frame/Regional.h"
 
 #include <QLabel>
@@ -16,7 +16,7 @@ class DownloadRunScreen : public DownloadTest {
 protected:
     // An item as the selection makes it from a last date.
     void addItem(const QString& symbol, const QDate& last, const QString& in = {}) {
-        Module1::DownloadItems.append({symbol, Regional::dateText(last.addDays(-35)),
+        handOvers().DownloadItems.append({symbol, Regional::dateText(last.addDays(-35)),
                                        Regional::dateText(last.addDays(1)), in.isEmpty() ? folder : in});
     }
     // Securities with one bar on 1 October, and items asking for what follows it.
@@ -55,10 +55,10 @@ TEST_F(DownloadRunScreen, UpToDateDownloadedNoDataAndNoConnection) {
         SCOPED_TRACE(run);
         server.targets.clear();
         platform_.boxes.clear();
-        frmDownloadProgress dlg;
-        dlg.Form_Load();
+        DownloadProgressWindow dlg;
+        dlg.load();
 
-        EXPECT_EQ(lines(dlg.lstDownloadComplete),
+        EXPECT_EQ(lines(dlg.resultsList),
                   QStringList({"Upto Date : UPD", "Download Complete : DL", "Download Complete : EMPTY",
                                "No Internet Connection : DROP", "No Data Available :  NOD "}));
         ASSERT_EQ(server.decodedTargets().size(), 4);   // none for the security up to date
@@ -66,12 +66,12 @@ TEST_F(DownloadRunScreen, UpToDateDownloadedNoDataAndNoConnection) {
         EXPECT_TRUE(server.decodedTargets()[3].startsWith("/table.csv?s=NOD&"));
 
         // The labels show the counts from before the last item; no connection counts nowhere.
-        EXPECT_EQ(QStringList({dlg.Label7->text(), dlg.Label8->text(), dlg.Label9->text()}),
+        EXPECT_EQ(QStringList({dlg.completedValue->text(), dlg.upToDateValue->text(), dlg.noDataValue->text()}),
                   QStringList({"2", "1", "0"}));
-        EXPECT_EQ(QList<int>({dlg.c, dlg.u, dlg.No}), QList<int>({2, 1, 1}));
-        EXPECT_EQ(dlg.Label3->text(), " NOD ");
-        EXPECT_EQ(dlg.Label1->text(), " NOD ");
-        EXPECT_EQ(QList<int>({dlg.PB->maximum(), dlg.PB->value(), dlg.PB1->value()}), QList<int>({5, 5, 0}));
+        EXPECT_EQ(QList<int>({dlg.completedCount, dlg.upToDateCount, dlg.noDataCount}), QList<int>({2, 1, 1}));
+        EXPECT_EQ(dlg.symbolLabel->text(), " NOD ");
+        EXPECT_EQ(dlg.statusLabel->text(), " NOD ");
+        EXPECT_EQ(QList<int>({dlg.itemsBar->maximum(), dlg.itemsBar->value(), dlg.recordsBar->value()}), QList<int>({5, 5, 0}));
         EXPECT_EQ(dlg.windowTitle(), "Download Completed. / ");
         ASSERT_EQ(platform_.boxes.size(), 1);
         expectBox(platform_.boxes[0], "Download Completed.", "Brindlemark v6");
@@ -82,10 +82,10 @@ TEST_F(DownloadRunScreen, UpToDateDownloadedNoDataAndNoConnection) {
         for (const char* symbol : {"EMPTY", "DROP", "NOD"})
             EXPECT_EQ(storedBars(folder, symbol), october) << symbol;
 
-        EXPECT_EQ(dlg.Command1->text(), "&Close");
-        dlg.Command1->click();
+        EXPECT_EQ(dlg.cancelButton->text(), "&Close");
+        dlg.cancelButton->click();
         EXPECT_FALSE(dlg.isVisible());
-        EXPECT_EQ(dlg.Command1->text(), "Cancel");
+        EXPECT_EQ(dlg.cancelButton->text(), "Cancel");
     }
 }
 
@@ -102,7 +102,7 @@ TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        Module1::DownloadItems.clear();
+        handOvers().DownloadItems.clear();
         server.targets.clear();
         platform_.boxes.clear();
         securitiesFromOctober(c.symbols);
@@ -110,16 +110,16 @@ TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
         slow.delayMs = 300;
         replies[c.symbols[0]] = slow;
 
-        frmDownloadProgress dlg;
+        DownloadProgressWindow dlg;
         QTimer::singleShot(100, &dlg, [&] {
             if (c.closeBox)
                 EXPECT_FALSE(dlg.close());
             else
-                dlg.Command1->click();
+                dlg.cancelButton->click();
         });
-        dlg.Form_Load();
+        dlg.load();
 
-        EXPECT_EQ(lines(dlg.lstDownloadComplete), QStringList({"Download Complete : " + c.symbols[0]}));
+        EXPECT_EQ(lines(dlg.resultsList), QStringList({"Download Complete : " + c.symbols[0]}));
         EXPECT_EQ(server.targets.size(), 1);
         EXPECT_EQ(dlg.windowTitle(), c.caption);
         EXPECT_EQ(dlg.isVisible(), !c.closeBox);
@@ -145,26 +145,26 @@ TEST_F(DownloadRunScreen, AFailingItemEndsTheRunOnlyBeforeTheFirstFetch) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.bad.Symbol.toStdString());
         for (bool behindAFetch : {false, true}) {
-            Module1::DownloadItems.clear();
+            handOvers().DownloadItems.clear();
             server.targets.clear();
             platform_.boxes.clear();
             addItem("UPD", {2026, 11, 22});
-            Module1::DownloadItems.append(c.bad);
+            handOvers().DownloadItems.append(c.bad);
             addItem("A", {2026, 10, 1});
             if (behindAFetch)
-                std::swap(Module1::DownloadItems[2], Module1::DownloadItems[3]);
-            frmDownloadProgress dlg;
-            dlg.Form_Load();
-            EXPECT_EQ(dlg.Command1->text(), "&Close");
+                std::swap(handOvers().DownloadItems[2], handOvers().DownloadItems[3]);
+            DownloadProgressWindow dlg;
+            dlg.load();
+            EXPECT_EQ(dlg.cancelButton->text(), "&Close");
             EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
             if (!behindAFetch) {
-                EXPECT_EQ(lines(dlg.lstDownloadComplete), QStringList({"Upto Date : UPD"}));
+                EXPECT_EQ(lines(dlg.resultsList), QStringList({"Upto Date : UPD"}));
                 EXPECT_EQ(dlg.windowTitle(), "1 of 3 Completed. / ");
                 EXPECT_TRUE(server.targets.isEmpty());
             } else {
-                EXPECT_EQ(lines(dlg.lstDownloadComplete),
+                EXPECT_EQ(lines(dlg.resultsList),
                           QStringList({"Upto Date : UPD", "Download Complete : A", c.lineBehindAFetch}));
-                EXPECT_EQ(dlg.c + dlg.u + dlg.No, 3);
+                EXPECT_EQ(dlg.completedCount + dlg.upToDateCount + dlg.noDataCount, 3);
                 EXPECT_EQ(dlg.windowTitle(), "Download Completed. / ");
             }
         }
@@ -174,16 +174,16 @@ TEST_F(DownloadRunScreen, AFailingItemEndsTheRunOnlyBeforeTheFirstFetch) {
 TEST_F(DownloadRunScreen, ShownModallyTheRunStartsByItselfAndAskForNothingUpToDate) {
     addItem("A", {2026, 11, 22});
     addItem("B", {2026, 11, 30});
-    frmDownloadProgress dlg;
+    DownloadProgressWindow dlg;
     QStringList seen;
     closeProgressAtItsBox(platform_, [&](QWidget*) {
-        seen = lines(dlg.lstDownloadComplete);
-        EXPECT_EQ(dlg.Label1->text(), "Connecting...");
+        seen = lines(dlg.resultsList);
+        EXPECT_EQ(dlg.statusLabel->text(), "Connecting...");
     });
     EXPECT_EQ(dlg.exec(), QDialog::Accepted);
     EXPECT_EQ(seen, QStringList({"Upto Date : A", "Upto Date : B"}));
     EXPECT_TRUE(server.targets.isEmpty());
-    EXPECT_EQ(dlg.u, 2);
+    EXPECT_EQ(dlg.upToDateCount, 2);
     EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
 }
 

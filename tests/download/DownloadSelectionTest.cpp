@@ -2,8 +2,8 @@
 
 #include "DownloadTestKit.h"
 
-#include "download/ui/frmDownload.h"
-#include "frame/Module1.h"
+#include "download/ui/DownloaderDialog.h"
+#include "frame/ProgramState.h"
 #include "frame/Regional.h"
 
 #include <QFileInfo>
@@ -57,10 +57,10 @@ protected:
 
 TEST_F(Downloader, FoldersFileRoundTrip) {
     {
-        frmDownload dlg;   // no file yet
+        DownloaderDialog dlg;   // no file yet
         EXPECT_EQ(dlg.windowTitle(), "Downloader");
-        EXPECT_EQ(dlg.ListView2->topLevelItemCount(), 0);
-        EXPECT_EQ(dlg.Label1->text(), "No Securities Selected.");
+        EXPECT_EQ(dlg.foldersList->topLevelItemCount(), 0);
+        EXPECT_EQ(dlg.selectionLabel->text(), "No Securities Selected.");
         dlg.reject();
     }
     EXPECT_TRUE(QFileInfo::exists(foldersFile()));
@@ -69,109 +69,109 @@ TEST_F(Downloader, FoldersFileRoundTrip) {
     // Fields end at a comma or a line end; a quoted field runs to its closing quote.
     writeTextFile(foldersFile(), "C:\\Data\\Stocks\n/data/x,y\r\n   /lead  \r\n\"/quoted, with comma\" \r\n\r\n/last");
     {
-        frmDownload dlg;
-        EXPECT_EQ(rows(dlg.ListView2), QStringList({"C:\\Data\\Stocks", "/data/x", "y", "/lead  ", "/quoted, with comma", "", "/last"}));
-        EXPECT_EQ(dlg.ListView2->topLevelItem(0)->checkState(0), Qt::Unchecked);
-        dlg.Command5->click();
+        DownloaderDialog dlg;
+        EXPECT_EQ(rows(dlg.foldersList), QStringList({"C:\\Data\\Stocks", "/data/x", "y", "/lead  ", "/quoted, with comma", "", "/last"}));
+        EXPECT_EQ(dlg.foldersList->topLevelItem(0)->checkState(0), Qt::Unchecked);
+        dlg.closeButton->click();
     }
     EXPECT_EQ(readFileBytes(foldersFile()), "C:\\Data\\Stocks\r\n/data/x\r\ny\r\n/lead\r\n/quoted, with comma\r\n\r\n/last\r\n");
-    frmDownload again;   // the path with a comma is two rows now
-    EXPECT_EQ(rows(again.ListView2), QStringList({"C:\\Data\\Stocks", "/data/x", "y", "/lead", "/quoted", "with comma", "", "/last"}));
+    DownloaderDialog again;   // the path with a comma is two rows now
+    EXPECT_EQ(rows(again.foldersList), QStringList({"C:\\Data\\Stocks", "/data/x", "y", "/lead", "/quoted", "with comma", "", "/last"}));
 }
 
 TEST_F(Downloader, BrowseAddRemoveAndRemoveAll) {
-    frmDownload dlg;
+    DownloaderDialog dlg;
     platform_.chooseNext("D:\\");
-    dlg.Command1->click();
-    EXPECT_EQ(dlg.Text1->text(), "D:");
+    dlg.browseButton->click();
+    EXPECT_EQ(dlg.folderEdit->text(), "D:");
     EXPECT_EQ(platform_.chooserTitles, QStringList({"Browse For Folder"}));
-    dlg.Command1->click();   // cancelled
-    dlg.Command2->click();   // nothing to add
-    EXPECT_EQ(dlg.ListView2->topLevelItemCount(), 0);
+    dlg.browseButton->click();   // cancelled
+    dlg.addFolderButton->click();   // nothing to add
+    EXPECT_EQ(dlg.foldersList->topLevelItemCount(), 0);
 
     for (const char* typed : {"  /data/one ", "/data/one", "/DATA/one", "/data/two\\"}) {
-        dlg.Text1->setText(typed);
-        dlg.Command2->click();
-        EXPECT_EQ(dlg.Text1->text(), typed);
+        dlg.folderEdit->setText(typed);
+        dlg.addFolderButton->click();
+        EXPECT_EQ(dlg.folderEdit->text(), typed);
     }
-    EXPECT_EQ(rows(dlg.ListView2), QStringList({"/data/one", "/DATA/one", "/data/two\\"}));
+    EXPECT_EQ(rows(dlg.foldersList), QStringList({"/data/one", "/DATA/one", "/data/two\\"}));
     ASSERT_EQ(platform_.boxes.size(), 1);
     expectBox(platform_.boxes[0], "Already Exists.", "Marrowfin");
 
-    dlg.Command3->click();   // no row selected
-    EXPECT_EQ(dlg.ListView2->topLevelItemCount(), 3);
-    dlg.ListView2->setCurrentItem(dlg.ListView2->topLevelItem(1));
-    dlg.Command3->click();
-    EXPECT_EQ(rows(dlg.ListView2), QStringList({"/data/one", "/data/two\\"}));
+    dlg.removeFolderButton->click();   // no row selected
+    EXPECT_EQ(dlg.foldersList->topLevelItemCount(), 3);
+    dlg.foldersList->setCurrentItem(dlg.foldersList->topLevelItem(1));
+    dlg.removeFolderButton->click();
+    EXPECT_EQ(rows(dlg.foldersList), QStringList({"/data/one", "/data/two\\"}));
 
-    dlg.Command6->click();
-    EXPECT_EQ(dlg.ListView2->topLevelItemCount(), 0);
-    dlg.Command4->click();
+    dlg.removeAllButton->click();
+    EXPECT_EQ(dlg.foldersList->topLevelItemCount(), 0);
+    dlg.downloadButton->click();
     expectBox(platform_.boxes.last(), "No Securities Selected.", "Marrowfin");
-    EXPECT_TRUE(Module1::DownloadItems.isEmpty());
+    EXPECT_TRUE(handOvers().DownloadItems.isEmpty());
 }
 
 TEST_F(Downloader, TickingFoldersAndRows) {
     makeFolders();
-    frmDownload dlg;
-    tick(dlg.ListView2, 0, true);
-    EXPECT_EQ(securityRows(dlg.ListView1), QStringList({one + ";;|x", "Alpha;AAA;" + today + "| ",
+    DownloaderDialog dlg;
+    tick(dlg.foldersList, 0, true);
+    EXPECT_EQ(securityRows(dlg.securitiesList), QStringList({one + ";;|x", "Alpha;AAA;" + today + "| ",
                                                         "Adani Ports;ADANIPORTS.NS;" + lastAdani + "|x"}));
-    EXPECT_EQ(dlg.Label1->text(), "1 Securities Selected.");
+    EXPECT_EQ(dlg.selectionLabel->text(), "1 Securities Selected.");
     // The Symbol column shows the longer exchange symbols whole.
-    EXPECT_LE(static_cast<QAbstractItemView*>(dlg.ListView1)->sizeHintForColumn(1), dlg.ListView1->header()->sectionSize(1));
+    EXPECT_LE(static_cast<QAbstractItemView*>(dlg.securitiesList)->sizeHintForColumn(1), dlg.securitiesList->header()->sectionSize(1));
 
-    tick(dlg.ListView2, 1, true);
-    EXPECT_EQ(dlg.ListView1->topLevelItemCount(), 5);
-    EXPECT_EQ(dlg.Label1->text(), "2 Securities Selected.");
+    tick(dlg.foldersList, 1, true);
+    EXPECT_EQ(dlg.securitiesList->topLevelItemCount(), 5);
+    EXPECT_EQ(dlg.selectionLabel->text(), "2 Securities Selected.");
 
     // A tick set by hand survives ticking a further folder but not unticking one.
-    tick(dlg.ListView1, 1, true);
-    EXPECT_EQ(dlg.Label1->text(), "3 Securities Selected.");
-    tick(dlg.ListView2, 1, false);
-    EXPECT_EQ(dlg.ListView1->topLevelItemCount(), 3);
-    EXPECT_EQ(dlg.ListView1->topLevelItem(1)->checkState(0), Qt::Unchecked);
-    EXPECT_EQ(dlg.Label1->text(), "1 Securities Selected.");
+    tick(dlg.securitiesList, 1, true);
+    EXPECT_EQ(dlg.selectionLabel->text(), "3 Securities Selected.");
+    tick(dlg.foldersList, 1, false);
+    EXPECT_EQ(dlg.securitiesList->topLevelItemCount(), 3);
+    EXPECT_EQ(dlg.securitiesList->topLevelItem(1)->checkState(0), Qt::Unchecked);
+    EXPECT_EQ(dlg.selectionLabel->text(), "1 Securities Selected.");
 
     // Unticking a folder row unticks its securities only.
-    tick(dlg.ListView2, 1, true);
-    tick(dlg.ListView1, 0, false);
-    EXPECT_EQ(securityRows(dlg.ListView1).mid(0, 4), QStringList({one + ";;| ", "Alpha;AAA;" + today + "| ",
+    tick(dlg.foldersList, 1, true);
+    tick(dlg.securitiesList, 0, false);
+    EXPECT_EQ(securityRows(dlg.securitiesList).mid(0, 4), QStringList({one + ";;| ", "Alpha;AAA;" + today + "| ",
                                                                   "Adani Ports;ADANIPORTS.NS;" + lastAdani + "| ", two + ";;|x"}));
-    EXPECT_EQ(dlg.Label1->text(), "1 Securities Selected.");
-    EXPECT_EQ(dlg.ListView2->topLevelItem(0)->checkState(0), Qt::Checked);
-    tick(dlg.ListView1, 4, false);
-    EXPECT_EQ(dlg.Label1->text(), "0 Securities Selected.");
-    dlg.Command4->click();
+    EXPECT_EQ(dlg.selectionLabel->text(), "1 Securities Selected.");
+    EXPECT_EQ(dlg.foldersList->topLevelItem(0)->checkState(0), Qt::Checked);
+    tick(dlg.securitiesList, 4, false);
+    EXPECT_EQ(dlg.selectionLabel->text(), "0 Securities Selected.");
+    dlg.downloadButton->click();
     EXPECT_EQ(platform_.boxTexts(), QStringList({"No Securities Selected."}));
 
     // Unticking every folder empties the list and says so.
-    tick(dlg.ListView2, 0, false);
-    tick(dlg.ListView2, 1, false);
-    EXPECT_EQ(dlg.ListView1->topLevelItemCount(), 0);
-    EXPECT_EQ(dlg.Label1->text(), "No Securities Selected.");
+    tick(dlg.foldersList, 0, false);
+    tick(dlg.foldersList, 1, false);
+    EXPECT_EQ(dlg.securitiesList->topLevelItemCount(), 0);
+    EXPECT_EQ(dlg.selectionLabel->text(), "No Securities Selected.");
 }
 
 TEST_F(Downloader, AFolderWithoutAStoreGoesAndRemovedFoldersKeepTheirRowsUntilTheLast) {
     makeFolders();
     writeTextFile(foldersFile(), (one + "\r\n" + temp.sub("no-store") + "\r\n" + two + "\r\n").toUtf8());
-    frmDownload dlg;
-    tick(dlg.ListView2, 0, true);
-    tick(dlg.ListView2, 1, true);
+    DownloaderDialog dlg;
+    tick(dlg.foldersList, 0, true);
+    tick(dlg.foldersList, 1, true);
     ASSERT_EQ(platform_.boxes.size(), 1);
     expectBox(platform_.boxes[0], "No MetaStock Files Found.", "Fernwoodglade");
-    EXPECT_EQ(rows(dlg.ListView2), QStringList({one, two}));
-    EXPECT_EQ(dlg.ListView1->topLevelItemCount(), 3);
-    EXPECT_EQ(dlg.Label1->text(), "1 Securities Selected.");
+    EXPECT_EQ(rows(dlg.foldersList), QStringList({one, two}));
+    EXPECT_EQ(dlg.securitiesList->topLevelItemCount(), 3);
+    EXPECT_EQ(dlg.selectionLabel->text(), "1 Securities Selected.");
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 
-    tick(dlg.ListView2, 1, true);
+    tick(dlg.foldersList, 1, true);
     for (int removed = 1; removed <= 2; ++removed) {
-        dlg.ListView2->setCurrentItem(dlg.ListView2->topLevelItem(0));
-        dlg.Command3->click();
-        EXPECT_EQ(dlg.ListView1->topLevelItemCount(), removed == 1 ? 5 : 0);
+        dlg.foldersList->setCurrentItem(dlg.foldersList->topLevelItem(0));
+        dlg.removeFolderButton->click();
+        EXPECT_EQ(dlg.securitiesList->topLevelItemCount(), removed == 1 ? 5 : 0);
     }
-    EXPECT_EQ(dlg.Label1->text(), "2 Securities Selected.");
+    EXPECT_EQ(dlg.selectionLabel->text(), "2 Securities Selected.");
 }
 
 // The items handed over, and the run reading back the dates the selection wrote.
@@ -183,18 +183,18 @@ TEST_P(DownloaderHandOver, ItemsCarryDatesTheRunReadsBack) {
     replies["ADANIPORTS.NS"] = replies["CCC"] = LoopbackReply::ok(Header + line(wholeNumbers));
     makeFolders();
     writeTextFile(foldersFile(), (two + "\r\n" + one + "\r\n").toUtf8());
-    Module1::DownloadItems.append({"OLD", "", "", ""});
-    frmDownload dlg;
-    tick(dlg.ListView2, 1, true);   // "one" first: the order of ticking
-    tick(dlg.ListView2, 0, true);
-    tick(dlg.ListView1, 1, true);   // Alpha, up to date, ticked by hand
+    handOvers().DownloadItems.append({"OLD", "", "", ""});
+    DownloaderDialog dlg;
+    tick(dlg.foldersList, 1, true);   // "one" first: the order of ticking
+    tick(dlg.foldersList, 0, true);
+    tick(dlg.securitiesList, 1, true);   // Alpha, up to date, ticked by hand
 
     QStringList progressLines;
-    closeProgressAtItsBox(platform_, [&](QWidget* modal) { progressLines = lines(child<QListWidget>(modal, "lstDownloadComplete")); });
-    dlg.Command4->click();
+    closeProgressAtItsBox(platform_, [&](QWidget* modal) { progressLines = lines(child<QListWidget>(modal, "resultsList")); });
+    dlg.downloadButton->click();
     EXPECT_FALSE(dlg.isVisible());
 
-    const auto& items = Module1::DownloadItems;
+    const auto& items = handOvers().DownloadItems;
     ASSERT_EQ(items.upperBound(), 3);
     const QStringList expected[] = {
         {"AAA", Regional::dateText({2026, 10, 19}), Regional::dateText({2026, 11, 24}), one},

@@ -4,7 +4,7 @@
 
 #include "download/Inet.h"
 #include "download/ServiceAddresses.h"
-#include "download/clsDailyQuotes.h"
+#include "download/DailyQuotes.h"
 #include "store/SecurityReader.h"
 #include "store/SecurityWriter.h"
 #include "support/LoopbackHttpServer.h"
@@ -96,7 +96,7 @@ inline void closeProgressAtItsBox(ScriptedPlatform& platform, std::function<void
         QWidget* progress = QApplication::activeModalWidget();
         ASSERT_NE(progress, nullptr);
         inspect(progress);
-        child<QPushButton>(progress, "Command1")->click();
+        child<QPushButton>(progress, "cancelButton")->click();
     };
 }
 
@@ -106,8 +106,6 @@ class DownloadTest : public ::testing::Test {
 protected:
     DownloadTest() {
         ServiceAddresses::setYahooQuotes(server.endpoint());
-        clsDailyQuotes::setTracePath(temp.file("t.txt"));
-        Inet::setDefaultTimeoutMs(3000);
         server.setHandler([this](const QByteArray& target) {
             const QString symbol = QUrlQuery(QString::fromLatin1(target.mid(target.indexOf('?') + 1)))
                                        .queryItemValue("s", QUrl::FullyDecoded);
@@ -116,8 +114,6 @@ protected:
     }
     ~DownloadTest() override {
         ServiceAddresses::setYahooQuotes({});
-        clsDailyQuotes::setTracePath({});
-        Inet::setDefaultTimeoutMs(0);
     }
 
     ScriptedPlatform platform_;

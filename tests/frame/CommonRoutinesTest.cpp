@@ -1,6 +1,6 @@
 // The symbol list, the folder chooser, the month abbreviations, the web links and the boxes.
 #include "frame/CommonRoutines.h"
-#include "frame/Module1.h"
+#include "frame/ProgramState.h"
 #include "frame/WebLinks.h"
 #include "support/ScriptedPlatform.h"
 #include "support/TestSupport.h"
@@ -25,8 +25,8 @@ void PrintTo(const Entry& e, std::ostream* os) {
 
 std::vector<Entry> loadedEntries() {
     std::vector<Entry> entries;
-    for (int i = 1; i <= Module1::SymbolCount; ++i) {
-        const SymbolEntry& e = Module1::SymbolEntries[i];
+    for (int i = 1; i <= sharedState().SymbolCount; ++i) {
+        const SymbolEntry& e = sharedState().SymbolEntries[i];
         entries.push_back({e.Group, e.Symbol, e.Name});
     }
     return entries;
@@ -58,14 +58,14 @@ TEST(ReadSymbolsFile, ReadsEntriesWithTheRulesOfCommaSeparatedText) {
     };
     for (const auto& c : cases) {
         ScriptedPlatform p;
-        Module1::SymbolCount = 3;   // what an earlier load left
-        Module1::SymbolEntries.resizeTo(3);
+        sharedState().SymbolCount = 3;   // what an earlier load left
+        sharedState().SymbolEntries.resizeTo(3);
         if (c.file)
             writeTextFile(QDir(p.programFolder()).filePath("symbols.csv"), c.file);
         ReadSymbolsFile();
         EXPECT_EQ(loadedEntries(), c.expected) << c.what;
-        EXPECT_EQ(Module1::SymbolEntries.upperBound(), Module1::SymbolCount) << c.what;
-        EXPECT_TRUE(Module1::SymbolEntries[0].Symbol.isEmpty()) << c.what;
+        EXPECT_EQ(sharedState().SymbolEntries.upperBound(), sharedState().SymbolCount) << c.what;
+        EXPECT_TRUE(sharedState().SymbolEntries[0].Symbol.isEmpty()) << c.what;
     }
 }
 

@@ -6,7 +6,7 @@
 
 #include "frame/CommonRoutines.h"
 #include "frame/Regional.h"
-#include "sheet/ui/frmChange.h"
+#include "sheet/ui/RecordDialog.h"
 #include "support/Modal.h"
 
 #include <QDateEdit>
@@ -42,11 +42,11 @@ TEST_P(DataSheetLocales, ShowsHeaderAndEveryRecordInTheLocalesForms) {
                   {20050808, 99.125, 100, 98, 99.5, 9876543}}, GetParam().code);
     auto view = loadedSheet("  " + temp.path() + " ", " BHP  ", " BHP Billiton");
 
-    EXPECT_EQ((QStringList{view->Text1->text(), view->Text2->text(), view->Text3->text()}),
+    EXPECT_EQ((QStringList{view->folderEdit->text(), view->nameEdit->text(), view->symbolEdit->text()}),
               (QStringList{"  " + temp.path() + " ", " BHP Billiton", " BHP  "}));
-    EXPECT_EQ(view->Text6->text(), GetParam().first.at(0));
-    EXPECT_EQ(view->Text4->text(), GetParam().lastDate);
-    EXPECT_EQ(view->Text5->text(), GetParam().periodicity);
+    EXPECT_EQ(view->firstDateEdit->text(), GetParam().first.at(0));
+    EXPECT_EQ(view->lastDateEdit->text(), GetParam().lastDate);
+    EXPECT_EQ(view->periodicityEdit->text(), GetParam().periodicity);
     ASSERT_EQ(view->rows()->rowCount(), 3);
     EXPECT_EQ(cells(*view, 0), GetParam().first);
     EXPECT_EQ(cells(*view, 1), GetParam().second);
@@ -80,9 +80,9 @@ TEST_F(DataSheet, LongSeriesEndsWithTheNewestRowSelectedAndInView) {
     makeSecurity(temp.path(), "LONG", "Long Series", series(400));
     auto view = loadedSheet(temp.path(), "LONG", "Long Series");
     EXPECT_EQ(view->selectedRow(), 399);
-    const QRect last = view->ListView1->visualRect(view->rows()->index(399, 0));
-    EXPECT_TRUE(view->ListView1->viewport()->rect().contains(last)) << "the newest row is out of view";
-    EXPECT_EQ(view->Text4->text(), DateToText(series(400).back().date));
+    const QRect last = view->recordsView->visualRect(view->rows()->index(399, 0));
+    EXPECT_TRUE(view->recordsView->viewport()->rect().contains(last)) << "the newest row is out of view";
+    EXPECT_EQ(view->lastDateEdit->text(), DateToText(series(400).back().date));
 }
 
 // A security without records shows its header; one that can't be read shows nothing. The window stays.
@@ -102,10 +102,10 @@ TEST_F(DataSheet, NothingToListGivesNoDataFound) {
         platform.boxes.clear();
         auto view = loadedSheet(c.folder, c.symbol, "NEW");
         EXPECT_EQ(view->rows()->rowCount(), 0);
-        EXPECT_EQ(view->Text1->text(), c.folder);
-        EXPECT_EQ(view->Text6->text(), c.firstDate) << c.symbol.toStdString();
-        EXPECT_EQ(view->Text4->text(), c.firstDate) << "Last Date shows the first date";
-        EXPECT_EQ(view->Text5->text(), c.periodicity);
+        EXPECT_EQ(view->folderEdit->text(), c.folder);
+        EXPECT_EQ(view->firstDateEdit->text(), c.firstDate) << c.symbol.toStdString();
+        EXPECT_EQ(view->lastDateEdit->text(), c.firstDate) << "Last Date shows the first date";
+        EXPECT_EQ(view->periodicityEdit->text(), c.periodicity);
         ASSERT_EQ(platform.boxes.size(), 1);
         expectBox(0, "No Data Found.", MsgIcon::Warning);
         EXPECT_TRUE(view->isVisible());
@@ -119,13 +119,13 @@ TEST_F(DataSheet, CancelAfterTheFirstRecordLeavesOneRowAndNoSelectionAndStaysUsa
 
     ASSERT_EQ(view->rows()->rowCount(), 1);
     EXPECT_EQ(view->selectedRow(), -1);
-    EXPECT_EQ(view->Text4->text(), view->Text6->text()) << "Last Date still shows the first date";
+    EXPECT_EQ(view->lastDateEdit->text(), view->firstDateEdit->text()) << "Last Date still shows the first date";
     EXPECT_TRUE(platform.boxes.isEmpty());
     EXPECT_EQ(progress.log->calls.mid(progress.log->calls.size() - 3), (QStringList{"StepIt", "Hide", "released"}));
 
-    view->ListView1->selectRow(0);   // the one row can still be deleted
+    view->recordsView->selectRow(0);   // the one row can still be deleted
     platform.answerNextBox(MsgAnswer::Yes);
-    view->Command5->click();
+    view->deleteButton->click();
     EXPECT_EQ(view->rows()->rowCount(), 0);
     EXPECT_EQ(readBack(temp.path(), "ABC").size(), 49u);
 }
@@ -137,7 +137,7 @@ const std::vector<Rec> Records = {{20050804, 10, 12, 9, 11, 1000}, {20050805, 11
 
 class RecordEdit : public SheetFixture {
 protected:
-    std::unique_ptr<frmView> view;
+    std::unique_ptr<DataSheetWindow> view;
     void SetUp() override {
         makeSecurity(temp.path(), "ABC", "Abc Ltd", Records);
         view = loadedSheet(temp.path(), "ABC", "Abc Ltd");
@@ -150,18 +150,18 @@ protected:
 
     // When the record dialog comes up: set the date if valid, type the values (a null string leaves
     // a box), press the button; a dialog that stays up is then closed.
-    void whenDialogUp(QDate date, QStringList values, const char* button = "Command1") {
+    void whenDialogUp(QDate date, QStringList values, const char* button = "applyButton") {
         onNextModal([=, this](QWidget* w) {
-            auto dialog = qobject_cast<frmChange*>(w);
+            auto dialog = qobject_cast<RecordDialog*>(w);
             ASSERT_NE(dialog, nullptr);
             EXPECT_EQ(dialog->windowTitle(), "Change Record");
-            QLineEdit* boxes[] = {dialog->Text2, dialog->Text3, dialog->Text4, dialog->Text5, dialog->Text6};
-            shown = {Regional::dateText(dialog->DTPicker1->date())};
+            QLineEdit* boxes[] = {dialog->openEdit, dialog->highEdit, dialog->lowEdit, dialog->closeEdit, dialog->volumeEdit};
+            shown = {Regional::dateText(dialog->dateEdit->date())};
             for (QLineEdit* box : boxes)
                 shown << box->text();
-            pickerEnabled = dialog->DTPicker1->isEnabled();
+            pickerEnabled = dialog->dateEdit->isEnabled();
             if (date.isValid())
-                dialog->DTPicker1->setDate(date);
+                dialog->dateEdit->setDate(date);
             for (int i = 0; i < values.size(); ++i)
                 if (!values[i].isNull())
                     boxes[i]->setText(values[i]);
@@ -171,7 +171,7 @@ protected:
             for (QLineEdit* box : boxes)
                 after << box->text();
             if (stillUp)
-                dialog->Command3->click();
+                dialog->closeButton->click();
         });
     }
 };
@@ -180,7 +180,7 @@ TEST_F(RecordEdit, InsertPutsANewDateIntoTheStoreAndReloadsTheSheet) {
     platform.todayDate = QDate(2026, 3, 9);
     whenDialogUp(QDate(2005, 8, 6), {"20.5", "21", "19.75", "20", "4500"});
     progress.log->calls.clear();
-    view->Command4->click();
+    view->insertButton->click();
 
     EXPECT_EQ(shown, (QStringList{"09/03/2026", "", "", "", "", ""})) << "today's date, empty boxes";
     EXPECT_TRUE(pickerEnabled);
@@ -194,14 +194,14 @@ TEST_F(RecordEdit, InsertPutsANewDateIntoTheStoreAndReloadsTheSheet) {
     EXPECT_EQ(progress.log->calls.first(), "Show") << "the load ran again with its progress window";
 
     whenDialogUp(QDate(2005, 8, 1), {"1", "2", "0.5", "1.5", "10"});   // before the first date
-    view->Command4->click();
-    EXPECT_EQ(view->Text6->text(), "01/08/2005");
+    view->insertButton->click();
+    EXPECT_EQ(view->firstDateEdit->text(), "01/08/2005");
     EXPECT_EQ(view->rows()->cell(0, 0), "01/08/2005");
     EXPECT_EQ(readBack(temp.path(), "ABC").front().date, 20050801);
 
     const auto before = readBack(temp.path(), "ABC");   // a date the security holds changes nothing
     whenDialogUp(QDate(2005, 8, 5), {"99", "99", "99", "99", "99"});
-    view->Command4->click();
+    view->insertButton->click();
     ASSERT_EQ(platform.boxes.size(), 1);
     expectBox(0, "Date Already Exist.", MsgIcon::Information);
     EXPECT_EQ(readBack(temp.path(), "ABC"), before);
@@ -219,7 +219,7 @@ TEST_F(RecordEdit, ApplyRefusesIncompleteOrNonNumericFields) {
     for (const auto& c : cases) {
         platform.boxes.clear();
         whenDialogUp(QDate(2005, 8, 9), c.typed);
-        view->Command4->click();
+        view->insertButton->click();
         EXPECT_TRUE(stillUp) << c.message;
         EXPECT_EQ(after, c.typed);
         ASSERT_EQ(platform.boxes.size(), 1);
@@ -231,46 +231,46 @@ TEST_F(RecordEdit, ApplyRefusesIncompleteOrNonNumericFields) {
 
 // A double click on a row changes it; the new values show as plain number text until the next load.
 TEST_F(RecordEdit, ChangeOfARowWritesPlainNumbersUntilTheNextLoad) {
-    const QPoint at = view->ListView1->visualRect(view->rows()->index(1, 2)).center();
+    const QPoint at = view->recordsView->visualRect(view->rows()->index(1, 2)).center();
     whenDialogUp({}, {"11", "13", "10", "99.5", "1500"});
-    QTest::mouseClick(view->ListView1->viewport(), Qt::LeftButton, {}, at);
-    QTest::mouseDClick(view->ListView1->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseClick(view->recordsView->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(view->recordsView->viewport(), Qt::LeftButton, {}, at);
 
     EXPECT_EQ(shown, (QStringList{"05/08/2005", "11.00", "13.00", "10.00", "12.00", "2000"}));
     EXPECT_FALSE(pickerEnabled) << "a change can't move the record to another date";
     EXPECT_TRUE(platform.boxes.isEmpty());
     EXPECT_EQ(cells(*view, 1), (QStringList{"05/08/2005", "11", "13", "10", "99.5", "1500"}));
     EXPECT_EQ(readBack(temp.path(), "ABC"), (std::vector<Rec>{Records[0], {20050805, 11, 13, 10, 99.5, 1500}, Records[2]}));
-    view->Form_Load();
+    view->load();
     EXPECT_EQ(cells(*view, 1), (QStringList{"05/08/2005", "11.00", "13.00", "10.00", "99.50", "1500"}));
 
-    whenDialogUp({}, {"1", "1", "1", "1", "1"}, "Command3");   // "&Close" changes nothing
-    view->Command6->click();
+    whenDialogUp({}, {"1", "1", "1", "1", "1"}, "closeButton");   // "&Close" changes nothing
+    view->changeButton->click();
     EXPECT_EQ(cells(*view, 2).at(4), "13.00");
     EXPECT_EQ(readBack(temp.path(), "ABC")[2], Records[2]);
 }
 
 TEST_F(RecordEdit, DeleteAskedNoKeepsTheRecordAndYesKeepsLastDateUntilTheNextLoad) {
     platform.answerNextBox(MsgAnswer::No);
-    view->Command5->click();
+    view->deleteButton->click();
     expectBox(0, "Are you sure to delete date : 08/08/2005", MsgIcon::Question);
     EXPECT_EQ(platform.boxes[0].buttons, MsgButtons::YesNo);
     EXPECT_EQ(view->rows()->rowCount(), 3);
     EXPECT_EQ(readBack(temp.path(), "ABC"), Records);
 
     platform.answerNextBox(MsgAnswer::Yes);
-    view->Command5->click();
+    view->deleteButton->click();
     ASSERT_EQ(platform.boxes.size(), 3);
     expectBox(2, "Record Deleted.", MsgIcon::Information);
     EXPECT_EQ(view->rows()->rowCount(), 2);
-    EXPECT_EQ(view->Text4->text(), "08/08/2005");
+    EXPECT_EQ(view->lastDateEdit->text(), "08/08/2005");
     EXPECT_EQ(readBack(temp.path(), "ABC"), (std::vector<Rec>{Records[0], Records[1]}));
-    view->Form_Load();
-    EXPECT_EQ(view->Text4->text(), "05/08/2005");
+    view->load();
+    EXPECT_EQ(view->lastDateEdit->text(), "05/08/2005");
 
-    view->ListView1->clearSelection();   // with no row selected Change and Delete do nothing
-    view->Command6->click();
-    view->Command5->click();
+    view->recordsView->clearSelection();   // with no row selected Change and Delete do nothing
+    view->changeButton->click();
+    view->deleteButton->click();
     EXPECT_EQ(platform.boxes.size(), 3);
     EXPECT_EQ(view->rows()->rowCount(), 2);
 }
@@ -280,18 +280,18 @@ TEST_F(RecordEdit, WritesThatFailShowTheStoresDescriptionOrEndSilently) {
     ASSERT_TRUE(QDir().rename(temp.path(), moved));
 
     whenDialogUp(QDate(2005, 8, 9), {"1", "1", "1", "1", "1"});
-    view->Command4->click();
+    view->insertButton->click();
     expectBox(0, QString(), MsgIcon::Warning, "Brindlemark v6");
     EXPECT_EQ(view->rows()->rowCount(), 3) << "the list isn't reloaded";
 
-    view->ListView1->selectRow(0);
+    view->recordsView->selectRow(0);
     whenDialogUp({}, {"5", "5", "5", "5", "5"});
-    view->Command6->click();
+    view->changeButton->click();
     expectBox(1, QString(), MsgIcon::Warning, "Brindlemark v6");
     EXPECT_EQ(cells(*view, 0), (QStringList{"04/08/2005", "10.00", "12.00", "9.00", "11.00", "1000"}));
 
     platform.answerNextBox(MsgAnswer::Yes);
-    view->Command5->click();
+    view->deleteButton->click();
     EXPECT_EQ(platform.boxes.size(), 3) << "only the question";
     EXPECT_EQ(view->rows()->rowCount(), 3);
     ASSERT_TRUE(QDir().rename(moved, temp.path()));
@@ -310,17 +310,17 @@ TEST_F(RecordEdit, ChangeAndDeleteUnderOtherLocales) {
         makeSecurity(folder.path(), "ABC", "Abc Ltd", Records);
         auto sheet = loadedSheet(folder.path(), "ABC", "Abc Ltd");
 
-        sheet->ListView1->selectRow(1);
+        sheet->recordsView->selectRow(1);
         whenDialogUp({}, c.typed);
-        sheet->Command6->click();
+        sheet->changeButton->click();
         EXPECT_EQ(shown.at(0), c.dateText);
         EXPECT_EQ(cells(*sheet, 1).mid(1), c.typed) << c.locale;
         const Rec changed{20050805, 11.25, 13, 10, 12.5, 2500};
         EXPECT_EQ(readBack(folder.path(), "ABC"), (std::vector<Rec>{Records[0], changed, Records[2]})) << c.locale;
 
-        sheet->ListView1->selectRow(0);   // deleted by the date text the sheet shows
+        sheet->recordsView->selectRow(0);   // deleted by the date text the sheet shows
         platform.answerNextBox(MsgAnswer::Yes);
-        sheet->Command5->click();
+        sheet->deleteButton->click();
         EXPECT_EQ(platform.boxes.last().text, "Record Deleted.") << c.locale;
         EXPECT_EQ(readBack(folder.path(), "ABC"), (std::vector<Rec>{changed, Records[2]}));
     }
@@ -335,15 +335,15 @@ TEST_F(RecordEdit, TwoDigitYearsNeverReachARecordOfAnotherCentury) {
     auto sheet = loadedSheet(temp.path(), "DJ", "Dow 1925");
     ASSERT_EQ(cells(*sheet, 0).at(0), cells(*sheet, 1).at(0));   // both "1/2/25"
 
-    sheet->ListView1->selectRow(0);
+    sheet->recordsView->selectRow(0);
     whenDialogUp({}, {"3", "4", "2", "3.5", "300"});
-    sheet->Command6->click();
+    sheet->changeButton->click();
     const Rec changed{19250102, 3, 4, 2, 3.5, 300};
     EXPECT_EQ(readBack(temp.path(), "DJ"), (std::vector<Rec>{changed, recent}));
 
-    sheet->ListView1->selectRow(0);
+    sheet->recordsView->selectRow(0);
     platform.answerNextBox(MsgAnswer::Yes);
-    sheet->Command5->click();
+    sheet->deleteButton->click();
     EXPECT_EQ(readBack(temp.path(), "DJ"), (std::vector<Rec>{recent}));
 }
 

@@ -4,7 +4,7 @@
 // told (and can be cancelled), and the sheets standing open.
 
 #include "sheet/SheetRows.h"
-#include "sheet/ui/frmView.h"
+#include "sheet/ui/DataSheetWindow.h"
 #include "store/ReadProgress.h"
 #include "store/SecurityReader.h"
 #include "store/SecurityWriter.h"
@@ -107,10 +107,10 @@ struct ProgressRecorder {
 };
 
 // The data sheets standing as windows, in no particular order.
-inline QList<frmView*> openSheets() {
-    QList<frmView*> sheets;
+inline QList<DataSheetWindow*> openSheets() {
+    QList<DataSheetWindow*> sheets;
     for (QWidget* w : QApplication::topLevelWidgets())
-        if (auto sheet = qobject_cast<frmView*>(w); sheet && sheet->isVisible())
+        if (auto sheet = qobject_cast<DataSheetWindow*>(w); sheet && sheet->isVisible())
             sheets.append(sheet);
     return sheets;
 }
@@ -118,27 +118,27 @@ inline QList<frmView*> openSheets() {
 // Closes the sheets a test left open (they delete themselves on close).
 struct SheetCleanup {
     ~SheetCleanup() {
-        for (frmView* sheet : openSheets())
+        for (DataSheetWindow* sheet : openSheets())
             sheet->close();
         QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 };
 
 // A sheet loaded and shown as Open Security leaves it.
-inline std::unique_ptr<frmView> loadedSheet(const QString& folder, const QString& symbol, const QString& name) {
-    auto view = std::make_unique<frmView>();
+inline std::unique_ptr<DataSheetWindow> loadedSheet(const QString& folder, const QString& symbol, const QString& name) {
+    auto view = std::make_unique<DataSheetWindow>();
     view->path = folder;
-    view->Sec = name;
+    view->securityName = name;
     view->Symbol = symbol;
     view->setWindowTitle(QStringLiteral("DataSheet of ") + name);
-    view->Form_Load();
+    view->load();
     view->show();
     QApplication::processEvents();
     return view;
 }
 
 // The six cells of a row as the sheet shows them.
-inline QStringList cells(const frmView& view, int row) {
+inline QStringList cells(const DataSheetWindow& view, int row) {
     QStringList out;
     for (int c = 0; c < SheetRows::ColumnCount; ++c)
         out << view.rows()->cell(row, c);

@@ -37,7 +37,7 @@ TEST_F(ReadProgressWindowTest, ShowsBarCaptionAndMessageAndGoesAwayWhenReleased)
         ASSERT_NE(window, nullptr);
         EXPECT_EQ(window->windowTitle(), QStringLiteral("Read Security data..."));
         EXPECT_EQ(child<QLabel>(window, QStringLiteral("lblMessage"))->text(), QStringLiteral("Progress...."));
-        EXPECT_EQ(child<QPushButton>(window, QStringLiteral("cmdCancel"))->text(), QStringLiteral("Cancel"));
+        EXPECT_EQ(child<QPushButton>(window, QStringLiteral("cancelButton"))->text(), QStringLiteral("Cancel"));
         auto* bar = child<QProgressBar>(window, QStringLiteral("ProgressBar1"));
         for (int i = 0; i < 3; ++i)
             progress->StepIt();
@@ -69,7 +69,7 @@ TEST_F(ReadProgressWindowTest, CancelGetsThroughBetweenSteps) {
     QWidget* window = shownProgressWindow();
     ASSERT_NE(window, nullptr);
     // The user clicks Cancel while the caller is in its loop; only the steps serve events.
-    QTimer::singleShot(0, window, [window] { child<QPushButton>(window, QStringLiteral("cmdCancel"))->click(); });
+    QTimer::singleShot(0, window, [window] { child<QPushButton>(window, QStringLiteral("cancelButton"))->click(); });
     int steps = 0;
     while (!progress->GetCancelled() && steps < 1000) {
         progress->StepIt();

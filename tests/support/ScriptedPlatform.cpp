@@ -1,10 +1,7 @@
 #include "support/ScriptedPlatform.h"
 
-#include "frame/Module1.h"
-
 ScriptedPlatform::ScriptedPlatform() {
     setPlatform(this);
-    Module1::resetState();
 }
 
 ScriptedPlatform::~ScriptedPlatform() { setPlatform(nullptr); }

@@ -4,10 +4,11 @@
 // /tmp/x"). With the queue empty a box answers with its first button, a chooser and a prompt
 // are cancelled. Settings live in memory; today is fixed by the test.
 //
-// Constructing one installs it (setPlatform) and resets the shared state of Module1; destroying
-// it uninstalls it.
+// Constructing one installs it (setPlatform) together with a fresh program state (the shared
+// state and the hand-overs between screens); destroying it uninstalls both.
 
 #include "frame/Platform.h"
+#include "frame/ProgramState.h"
 
 #include <QDir>
 #include <QMap>
@@ -43,10 +44,13 @@ public:
     QStringList openedAddresses;
     bool openAddressFails = false;
 
+    int quits = 0;                     // times the program was ended
     QDate todayDate{2026, 11, 23};
     QMap<QString, QString> settings;   // "Section/Key" -> value
     QTemporaryDir programDir;          // the program's own folder, empty at start
     QTemporaryDir userDir;             // the per-user data folder
+    QTemporaryDir cacheDir;            // the per-user cache folder
+    ProgramState state;                // what the screens share and hand over, fresh for each test
 
     // The texts of all boxes shown, in order.
     QStringList boxTexts() const;
@@ -57,8 +61,10 @@ public:
     QString prompt(const QString& text, const QString& title, const QString& defaultText) override;
     bool openAddress(const QString& address) override;
     QDate today() override { return todayDate; }
+    void quit() override { ++quits; }
     QString programFolder() override { return programDir.path(); }
     QString userDataFolder() override { return userDir.path(); }
+    QString cacheFolder() override { return cacheDir.path(); }
     QString getSetting(const QString& section, const QString& key, const QString& defaultValue) override;
     void saveSetting(const QString& section, const QString& key, const QString& value) override;
 

@@ -87,10 +87,17 @@ bool QtPlatform::openAddress(const QString& address) {
 
 QDate QtPlatform::today() { return QDate::currentDate(); }
 
+void QtPlatform::quit() { QCoreApplication::exit(0); }
+
 QString QtPlatform::programFolder() { return QCoreApplication::applicationDirPath(); }
 
 QString QtPlatform::userDataFolder() {
     return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation))
+        .filePath(MakerName + u'/' + ProgramTitle);
+}
+
+QString QtPlatform::cacheFolder() {
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation))
         .filePath(MakerName + u'/' + ProgramTitle);
 }
 

@@ -18,11 +18,11 @@ const QString DefaultCaption = QStringLiteral("Reading");
 ReadProgressWindow::ReadProgressWindow(QWidget* parent)
     : QWidget(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::CustomizeWindowHint),
       ProgressBar1(new QProgressBar(this)), lblMessage(new QLabel(this)),
-      cmdCancel(new QPushButton(QStringLiteral("Cancel"), this)) {
+      cancelButton(new QPushButton(QStringLiteral("Cancel"), this)) {
     setObjectName(QStringLiteral("ReadProgressWindow"));
     ProgressBar1->setObjectName(QStringLiteral("ProgressBar1"));
     lblMessage->setObjectName(QStringLiteral("lblMessage"));
-    cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
+    cancelButton->setObjectName(QStringLiteral("cancelButton"));
     setWindowTitle(DefaultCaption);
     setWindowModality(Qt::ApplicationModal);
 
@@ -32,14 +32,14 @@ ReadProgressWindow::ReadProgressWindow(QWidget* parent)
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
-    buttons->addWidget(cmdCancel);
+    buttons->addWidget(cancelButton);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(lblMessage);
     layout->addWidget(ProgressBar1);
     layout->addLayout(buttons);
     setFixedSize(360, 120);
 
-    connect(cmdCancel, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });
+    connect(cancelButton, &QPushButton::clicked, this, [this] { cancel(); });
 }
 
 ReadProgressWindow::~ReadProgressWindow() { hide(); }
@@ -73,9 +73,9 @@ void ReadProgressWindow::StepIt() {
 
 bool ReadProgressWindow::GetCancelled() const { return cancelled_; }
 
-void ReadProgressWindow::cmdCancel_Click() {
+void ReadProgressWindow::cancel() {
     cancelled_ = true;
-    cmdCancel->setEnabled(false);
+    cancelButton->setEnabled(false);
 }
 
 void UseReadProgressWindow() {

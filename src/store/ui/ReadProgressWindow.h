@@ -26,11 +26,11 @@ public:
     void StepIt() override;
     bool GetCancelled() const override;
 
-    void cmdCancel_Click();
+    void cancel();
 
     QProgressBar* ProgressBar1;
     QLabel* lblMessage;
-    QPushButton* cmdCancel;
+    QPushButton* cancelButton;
 
 private:
     qint32 step_ = 1;

@@ -1,16 +1,16 @@
 #pragma once
 // Fetches the daily quotes of one security from the historical quotes service and leaves them,
-// parsed, in Module1::Quotes. One request, one outcome in Error; no message is shown here.
+// parsed, in handOvers().Quotes. One request, one outcome in Error; no message is shown here.
 
 #include <QDate>
 #include <QString>
 
 class Inet;
 
-class clsDailyQuotes {
+class DailyQuotes {
 public:
     // Fetches through the connection object of the screen that runs the download.
-    explicit clsDailyQuotes(Inet& connection) : Inet1(connection) {}
+    explicit DailyQuotes(Inet& connection) : connection_(connection) {}
 
     // Outcome of the last DownloadDailyQuotes:
     //   0  the reply had the shape of a quote table and every row read converted; rows in Quotes
@@ -30,10 +30,9 @@ public:
     static qint16 ReadTable(const QString& normalised);
 
     // Where the last normalised reply is written: c:\t.txt where there is a drive C:, else t.txt
-    // in the system's temporary folder. Tests may move it; empty text restores the default.
+    // in the user's own cache folder, so that two users of one machine never share it.
     static QString tracePath();
-    static void setTracePath(const QString& path);
 
 private:
-    Inet& Inet1;
+    Inet& connection_;
 };

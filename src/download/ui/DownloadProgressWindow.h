@@ -1,5 +1,5 @@
 #pragma once
-// "Download Progress": carries out one World Exchanges run over Module1::DownloadItems as soon as
+// "Download Progress": carries out one World Exchanges run over handOvers().DownloadItems as soon as
 // it is shown, with a line per security, three counters, two progress bars and the caption.
 
 #include "download/DownloadRun.h"
@@ -12,36 +12,36 @@ class QListWidget;
 class QProgressBar;
 class QPushButton;
 
-class frmDownloadProgress : public QDialog, public DownloadListener {
+class DownloadProgressWindow : public QDialog, public DownloadListener {
     Q_OBJECT
 public:
-    explicit frmDownloadProgress(QWidget* parent = nullptr);
-    ~frmDownloadProgress() override;
+    explicit DownloadProgressWindow(QWidget* parent = nullptr);
+    ~DownloadProgressWindow() override;
 
     // The window's load: shows the window and runs the download. Runs once; showing the window
     // runs it by itself.
-    void Form_Load();
+    void load();
     void RunDownload();
-    void Command1_Click();
+    void cancelOrClose();
 
     // Securities downloaded, up to date, without data.
-    qint16 c = 0;
-    qint16 u = 0;
-    qint16 No = 0;
+    qint16 completedCount = 0;
+    qint16 upToDateCount = 0;
+    qint16 noDataCount = 0;
 
-    QLabel* Label3;
-    QLabel* Label1;
-    QProgressBar* PB;
-    QProgressBar* PB1;
-    QLabel* Label4;
-    QLabel* Label7;
-    QLabel* Label5;
-    QLabel* Label8;
-    QLabel* Label6;
-    QLabel* Label9;
-    QListWidget* lstDownloadComplete;
-    QPushButton* Command1;
-    Inet Inet1;
+    QLabel* symbolLabel;
+    QLabel* statusLabel;
+    QProgressBar* itemsBar;
+    QProgressBar* recordsBar;
+    QLabel* completedCaption;
+    QLabel* completedValue;
+    QLabel* upToDateCaption;
+    QLabel* upToDateValue;
+    QLabel* noDataCaption;
+    QLabel* noDataValue;
+    QListWidget* resultsList;
+    QPushButton* cancelButton;
+    Inet connection;
 
     // --- DownloadListener ---
     void itemStarted(int index, int count, const QString& symbol, qint16 completed, qint16 upToDate,

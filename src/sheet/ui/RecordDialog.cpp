@@ -1,4 +1,4 @@
-#include "sheet/ui/frmChange.h"
+#include "sheet/ui/RecordDialog.h"
 
 #include "frame/Platform.h"
 #include "frame/Regional.h"
@@ -37,58 +37,58 @@ QString pickerPattern() {
 
 } // namespace
 
-frmChange::frmChange(QWidget* parent) : QDialog(parent) {
-    setObjectName(QStringLiteral("frmChange"));
+RecordDialog::RecordDialog(QWidget* parent) : QDialog(parent) {
+    setObjectName(QStringLiteral("RecordDialog"));
     setWindowTitle(QStringLiteral("Change Record"));
     setModal(true);
 
-    DTPicker1 = new QDateEdit(this);
-    DTPicker1->setObjectName(QStringLiteral("DTPicker1"));
-    DTPicker1->setCalendarPopup(true);
-    DTPicker1->setDisplayFormat(pickerPattern());
-    Text2 = valueBox(this, QStringLiteral("Text2"), QStringLiteral("Open"));
-    Text3 = valueBox(this, QStringLiteral("Text3"), QStringLiteral("High"));
-    Text4 = valueBox(this, QStringLiteral("Text4"), QStringLiteral("Low"));
-    Text5 = valueBox(this, QStringLiteral("Text5"), QStringLiteral("Close"));
-    Text6 = valueBox(this, QStringLiteral("Text6"), QStringLiteral("Volume"));
+    dateEdit = new QDateEdit(this);
+    dateEdit->setObjectName(QStringLiteral("dateEdit"));
+    dateEdit->setCalendarPopup(true);
+    dateEdit->setDisplayFormat(pickerPattern());
+    openEdit = valueBox(this, QStringLiteral("openEdit"), QStringLiteral("Open"));
+    highEdit = valueBox(this, QStringLiteral("highEdit"), QStringLiteral("High"));
+    lowEdit = valueBox(this, QStringLiteral("lowEdit"), QStringLiteral("Low"));
+    closeEdit = valueBox(this, QStringLiteral("closeEdit"), QStringLiteral("Close"));
+    volumeEdit = valueBox(this, QStringLiteral("volumeEdit"), QStringLiteral("Volume"));
 
-    Command1 = new QPushButton(QStringLiteral("&Apply"), this);
-    Command1->setObjectName(QStringLiteral("Command1"));
-    Command3 = new QPushButton(QStringLiteral("&Close"), this);
-    Command3->setObjectName(QStringLiteral("Command3"));
-    Command1->setDefault(true);
-    Command3->setAutoDefault(false);
+    applyButton = new QPushButton(QStringLiteral("&Apply"), this);
+    applyButton->setObjectName(QStringLiteral("applyButton"));
+    closeButton = new QPushButton(QStringLiteral("&Close"), this);
+    closeButton->setObjectName(QStringLiteral("closeButton"));
+    applyButton->setDefault(true);
+    closeButton->setAutoDefault(false);
 
     auto fields = new QHBoxLayout;
-    fields->addWidget(DTPicker1);
-    for (QLineEdit* box : {Text2, Text3, Text4, Text5, Text6})
+    fields->addWidget(dateEdit);
+    for (QLineEdit* box : {openEdit, highEdit, lowEdit, closeEdit, volumeEdit})
         fields->addWidget(box);
     auto buttons = new QHBoxLayout;
     buttons->addStretch();
-    buttons->addWidget(Command1);
-    buttons->addWidget(Command3);
+    buttons->addWidget(applyButton);
+    buttons->addWidget(closeButton);
     auto layout = new QVBoxLayout(this);
     layout->addLayout(fields);
     layout->addLayout(buttons);
 
-    connect(Command1, &QPushButton::clicked, this, &frmChange::Command1_Click);
-    connect(Command3, &QPushButton::clicked, this, &frmChange::Command3_Click);
+    connect(applyButton, &QPushButton::clicked, this, &RecordDialog::apply);
+    connect(closeButton, &QPushButton::clicked, this, &RecordDialog::closeDialog);
 
-    Form_Load();
+    load();
 }
 
-void frmChange::Form_Load() {
+void RecordDialog::load() {
     adjustSize();
     CentreOnScreen(this);
-    OK = false;
-    DTPicker1->setEnabled(true);
-    DTPicker1->setDate(platform().today());
-    for (QLineEdit* box : {Text2, Text3, Text4, Text5, Text6})
+    applied = false;
+    dateEdit->setEnabled(true);
+    dateEdit->setDate(platform().today());
+    for (QLineEdit* box : {openEdit, highEdit, lowEdit, closeEdit, volumeEdit})
         box->clear();
 }
 
-void frmChange::Command1_Click() {
-    const std::array<QLineEdit*, 5> boxes = {Text2, Text3, Text4, Text5, Text6};
+void RecordDialog::apply() {
+    const std::array<QLineEdit*, 5> boxes = {openEdit, highEdit, lowEdit, closeEdit, volumeEdit};
     for (QLineEdit* box : boxes) {
         if (box->text().trimmed().isEmpty()) {
             MsgBox(QStringLiteral("Please Complete All Fields."), MsgIcon::Information, Marrowfin);
@@ -107,14 +107,14 @@ void frmChange::Command1_Click() {
         }
         values[i] = *value;
     }
-    Dat = DTPicker1->date();
+    Dat = dateEdit->date();
     OpenPrice = values[0];
     High = values[1];
     Low = values[2];
     ClosePrice = values[3];
     Volume = values[4];
-    OK = true;
+    applied = true;
     accept();
 }
 
-void frmChange::Command3_Click() { reject(); }
+void RecordDialog::closeDialog() { reject(); }

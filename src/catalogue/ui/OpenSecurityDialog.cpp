@@ -1,12 +1,12 @@
-#include "catalogue/ui/frmOpen.h"
+#include "catalogue/ui/OpenSecurityDialog.h"
 
 #include "frame/CommonRoutines.h"
 #include "frame/Failure.h"
-#include "frame/Module1.h"
+#include "frame/ProgramState.h"
 #include "frame/Platform.h"
 #include "frame/ui/Centring.h"
 #include "frame/ui/ChildWindows.h"
-#include "sheet/ui/frmView.h"
+#include "sheet/ui/DataSheetWindow.h"
 #include "store/SecurityReader.h"
 
 #include <QGroupBox>
@@ -36,140 +36,140 @@ int keyAscii(const QKeyEvent* event) {
 
 } // namespace
 
-frmOpen::frmOpen(QWidget* parent) : QDialog(parent) {
-    setObjectName(QStringLiteral("frmOpen"));
+OpenSecurityDialog::OpenSecurityDialog(QWidget* parent) : QDialog(parent) {
+    setObjectName(QStringLiteral("OpenSecurityDialog"));
     setWindowTitle(QStringLiteral("Open Security"));
     setModal(true);
     resize(620, 440);
 
-    Text2 = new QLineEdit(this);
-    Text2->setObjectName(QStringLiteral("Text2"));
-    Command4 = new QToolButton(this);
-    Command4->setObjectName(QStringLiteral("Command4"));
-    Command4->setIcon(style()->standardIcon(QStyle::SP_DirOpenIcon));
-    Command4->setToolTip(QStringLiteral("Browse For Folder"));
-    Text1 = new QLineEdit(this);
-    Text1->setObjectName(QStringLiteral("Text1"));
-    Text1->setReadOnly(true);
+    folderEdit = new QLineEdit(this);
+    folderEdit->setObjectName(QStringLiteral("folderEdit"));
+    browseButton = new QToolButton(this);
+    browseButton->setObjectName(QStringLiteral("browseButton"));
+    browseButton->setIcon(style()->standardIcon(QStyle::SP_DirOpenIcon));
+    browseButton->setToolTip(QStringLiteral("Browse For Folder"));
+    securityEdit = new QLineEdit(this);
+    securityEdit->setObjectName(QStringLiteral("securityEdit"));
+    securityEdit->setReadOnly(true);
 
-    Frame1 = new QGroupBox(QStringLiteral("Available Securities"), this);
-    Frame1->setObjectName(QStringLiteral("Frame1"));
-    ListView1 = new QTreeWidget(Frame1);
-    ListView1->setObjectName(QStringLiteral("ListView1"));
-    ListView1->setRootIsDecorated(false);
-    ListView1->setUniformRowHeights(true);
-    ListView1->setAllColumnsShowFocus(true);
-    ListView1->setSelectionMode(QAbstractItemView::SingleSelection);
-    ListView1->setHeaderLabels({QStringLiteral("Security Name"), QStringLiteral("Symbol"),
+    securitiesGroup = new QGroupBox(QStringLiteral("Available Securities"), this);
+    securitiesGroup->setObjectName(QStringLiteral("securitiesGroup"));
+    securitiesList = new QTreeWidget(securitiesGroup);
+    securitiesList->setObjectName(QStringLiteral("securitiesList"));
+    securitiesList->setRootIsDecorated(false);
+    securitiesList->setUniformRowHeights(true);
+    securitiesList->setAllColumnsShowFocus(true);
+    securitiesList->setSelectionMode(QAbstractItemView::SingleSelection);
+    securitiesList->setHeaderLabels({QStringLiteral("Security Name"), QStringLiteral("Symbol"),
                                 QStringLiteral("File Name"), QStringLiteral("Last Date")});
-    ListView1->header()->setStretchLastSection(true);
-    ListView1->setColumnWidth(0, 230);
-    ListView1->setColumnWidth(1, 110);
-    ListView1->setColumnWidth(2, 90);
+    securitiesList->header()->setStretchLastSection(true);
+    securitiesList->setColumnWidth(0, 230);
+    securitiesList->setColumnWidth(1, 110);
+    securitiesList->setColumnWidth(2, 90);
 
-    Command1 = new QPushButton(QStringLiteral("&Open"), this);
-    Command1->setObjectName(QStringLiteral("Command1"));
-    Command2 = new QPushButton(QStringLiteral("&Cancel"), this);
-    Command2->setObjectName(QStringLiteral("Command2"));
+    openButton = new QPushButton(QStringLiteral("&Open"), this);
+    openButton->setObjectName(QStringLiteral("openButton"));
+    cancelButton = new QPushButton(QStringLiteral("&Cancel"), this);
+    cancelButton->setObjectName(QStringLiteral("cancelButton"));
     // Enter belongs to the folder box and the list, not to a default button.
-    for (QPushButton* b : {Command1, Command2}) {
+    for (QPushButton* b : {openButton, cancelButton}) {
         b->setAutoDefault(false);
         b->setDefault(false);
     }
 
     auto directory = new QHBoxLayout;
     auto directoryLabel = new QLabel(QStringLiteral("Directory"), this);
-    directoryLabel->setBuddy(Text2);
+    directoryLabel->setBuddy(folderEdit);
     directory->addWidget(directoryLabel);
-    directory->addWidget(Text2, 1);
-    directory->addWidget(Command4);
+    directory->addWidget(folderEdit, 1);
+    directory->addWidget(browseButton);
 
     auto security = new QHBoxLayout;
     auto securityLabel = new QLabel(QStringLiteral("Security"), this);
-    securityLabel->setBuddy(Text1);
+    securityLabel->setBuddy(securityEdit);
     security->addWidget(securityLabel);
-    security->addWidget(Text1, 1);
+    security->addWidget(securityEdit, 1);
 
-    auto frameLayout = new QVBoxLayout(Frame1);
-    frameLayout->addWidget(ListView1);
+    auto frameLayout = new QVBoxLayout(securitiesGroup);
+    frameLayout->addWidget(securitiesList);
 
     auto buttons = new QHBoxLayout;
     buttons->addStretch();
-    buttons->addWidget(Command1);
-    buttons->addWidget(Command2);
+    buttons->addWidget(openButton);
+    buttons->addWidget(cancelButton);
 
     auto layout = new QVBoxLayout(this);
     layout->addLayout(directory);
     layout->addLayout(security);
-    layout->addWidget(Frame1, 1);
+    layout->addWidget(securitiesGroup, 1);
     layout->addLayout(buttons);
 
-    connect(Command4, &QToolButton::clicked, this, &frmOpen::Command4_Click);
-    connect(Command1, &QPushButton::clicked, this, &frmOpen::Command1_Click);
-    connect(Command2, &QPushButton::clicked, this, &frmOpen::Command2_Click);
-    Text2->installEventFilter(this);
-    ListView1->installEventFilter(this);
-    ListView1->viewport()->installEventFilter(this);
+    connect(browseButton, &QToolButton::clicked, this, &OpenSecurityDialog::browse);
+    connect(openButton, &QPushButton::clicked, this, &OpenSecurityDialog::openSecurity);
+    connect(cancelButton, &QPushButton::clicked, this, &OpenSecurityDialog::cancel);
+    folderEdit->installEventFilter(this);
+    securitiesList->installEventFilter(this);
+    securitiesList->viewport()->installEventFilter(this);
 }
 
-frmOpen::~frmOpen() = default;
+OpenSecurityDialog::~OpenSecurityDialog() = default;
 
-SecurityReader& frmOpen::reader() {
+SecurityReader& OpenSecurityDialog::reader() {
     if (!reader_)
         reader_ = std::make_unique<SecurityReader>();
     return *reader_;
 }
 
-void frmOpen::showEvent(QShowEvent* event) {
+void OpenSecurityDialog::showEvent(QShowEvent* event) {
     if (!loaded_) {
         loaded_ = true;
-        Form_Load();
+        load();
     }
     QDialog::showEvent(event);
-    Form_Resize();
+    layoutControls();
 }
 
-void frmOpen::resizeEvent(QResizeEvent* event) {
+void OpenSecurityDialog::resizeEvent(QResizeEvent* event) {
     QDialog::resizeEvent(event);
-    Form_Resize();
+    layoutControls();
 }
 
-void frmOpen::Form_Resize() {
+void OpenSecurityDialog::layoutControls() {
     CentreOnScreen(this);
 }
 
-bool frmOpen::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == Text2 && event->type() == QEvent::KeyPress) {
+bool OpenSecurityDialog::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == folderEdit && event->type() == QEvent::KeyPress) {
         const int key = keyAscii(static_cast<QKeyEvent*>(event));
         if (key != 0)
-            Text2_KeyPress(key);
+            folderKeyTyped(key);
         if (key == EnterKey)
             return true;   // Enter is taken: it must not reach a button of the dialog
-    } else if (watched == ListView1 && event->type() == QEvent::KeyPress) {
+    } else if (watched == securitiesList && event->type() == QEvent::KeyPress) {
         // A key that types a character (Enter included; arrows and the like are no key presses)
         // reaches the handler before the list moves its selection for it.
         const int key = keyAscii(static_cast<QKeyEvent*>(event));
         if (key != 0)
-            ListView1_KeyPress(key);
+            securitiesKeyTyped(key);
         if (key == EnterKey)
             return true;
-    } else if (watched == ListView1->viewport()) {
+    } else if (watched == securitiesList->viewport()) {
         if (event->type() == QEvent::MouseButtonRelease)
-            ListView1_Click();
+            securityClicked();
         else if (event->type() == QEvent::MouseButtonDblClick) {
-            ListView1_DblClick();
+            securityDoubleClicked();
             return true;
         }
     }
     return QDialog::eventFilter(watched, event);
 }
 
-// Lists the securities of the folder in Text2. Raises the store's Failure; when opening the
+// Lists the securities of the folder in folderEdit. Raises the store's Failure; when opening the
 // folder is what failed, the rows stay as they were.
-void frmOpen::List() {
+void OpenSecurityDialog::listSecurities() {
     SecurityReader& r = reader();
-    r.OpenFolder(Text2->text().trimmed());
-    ListView1->clear();
+    r.OpenFolder(folderEdit->text().trimmed());
+    securitiesList->clear();
     QList<QTreeWidgetItem*> items;
     try {
         const QIcon one = style()->standardIcon(QStyle::SP_FileIcon);
@@ -184,85 +184,85 @@ void frmOpen::List() {
             item->setText(2, r.GetFileName());
             item->setText(3, DateToText(r.GetLastDate()));
         }
-        ListView1->addTopLevelItems(items);
+        securitiesList->addTopLevelItems(items);
     } catch (const Failure&) {
         // The rows read before the failure stay in the list, the last one as far as it got.
-        ListView1->addTopLevelItems(items);
+        securitiesList->addTopLevelItems(items);
         passOver([&] { r.CloseFolder(); });
         throw;
     }
     r.CloseFolder();
     // As in any list, the first row stands selected once the list is filled.
-    if (QTreeWidgetItem* first = ListView1->topLevelItem(0))
-        ListView1->setCurrentItem(first);
+    if (QTreeWidgetItem* first = securitiesList->topLevelItem(0))
+        securitiesList->setCurrentItem(first);
 }
 
-void frmOpen::Pick() {
-    const QList<QTreeWidgetItem*> selected = ListView1->selectedItems();
+void OpenSecurityDialog::pickSecurity() {
+    const QList<QTreeWidgetItem*> selected = securitiesList->selectedItems();
     if (selected.isEmpty())
         return;
-    Text1->setText(selected.first()->text(0).trimmed());
+    securityEdit->setText(selected.first()->text(0).trimmed());
 }
 
-void frmOpen::Form_Load() {
-    const QString last = Module1::LastFolder.trimmed();
-    Text2->setText(last.isEmpty() ? platform().programFolder() : Module1::LastFolder);
+void OpenSecurityDialog::load() {
+    const QString last = sharedState().LastFolder.trimmed();
+    folderEdit->setText(last.isEmpty() ? platform().programFolder() : sharedState().LastFolder);
     try {
-        List();
+        listSecurities();
     } catch (const Failure&) {
         return;
     }
-    Pick();
+    pickSecurity();
 }
 
-void frmOpen::Command4_Click() {
-    const QString previous = Text2->text().trimmed();
+void OpenSecurityDialog::browse() {
+    const QString previous = folderEdit->text().trimmed();
     const QString answer = BrowseForFolder(this, QStringLiteral("Browse For Folder"));
     if (!answer.isEmpty())
-        Text2->setText(answer);
+        folderEdit->setText(answer);
     try {
-        List();
+        listSecurities();
     } catch (const Failure& failure) {
         MsgBox(failure.Description, MsgIcon::Information, Marrowfin);
-        Text2->setText(previous);
-        Text2->setFocus();
+        folderEdit->setText(previous);
+        folderEdit->setFocus();
         return;
     }
-    Module1::LastFolder = Text2->text();
+    sharedState().LastFolder = folderEdit->text();
 }
 
-void frmOpen::Text2_KeyPress(int key) {
+void OpenSecurityDialog::folderKeyTyped(int key) {
     if (key != EnterKey)
         return;
     try {
-        List();
+        listSecurities();
     } catch (const Failure& failure) {
         MsgBox(failure.Description, MsgIcon::Information, Marrowfin);
-        Text2->clear();
-        Text2->setFocus();
+        folderEdit->clear();
+        folderEdit->setFocus();
     }
 }
 
-void frmOpen::ListView1_Click() { Pick(); }
+void OpenSecurityDialog::securityClicked() { pickSecurity(); }
 
-void frmOpen::ListView1_KeyPress(int key) {
-    Pick();
+void OpenSecurityDialog::securitiesKeyTyped(int key) {
+    pickSecurity();
     if (key == EnterKey)
-        Open();
+        openPicked();
 }
 
-void frmOpen::ListView1_DblClick() {
-    Pick();
-    Open();
+void OpenSecurityDialog::securityDoubleClicked() {
+    pickSecurity();
+    openPicked();
 }
 
-void frmOpen::Command1_Click() { Open(); }
+void OpenSecurityDialog::openSecurity() { openPicked(); }
 
-void frmOpen::Command2_Click() { reject(); }
+void OpenSecurityDialog::cancel() { reject(); }
 
-void frmOpen::Open() {
-    const QString name = Text1->text().trimmed();
-    const QString folder = Text2->text().trimmed();
+void OpenSecurityDialog::openPicked() {
+    const QString name = securityEdit->text().trimmed();
+    const QString folder = folderEdit->text().trimmed();
     if (name.isEmpty()) {
         MsgBox(QStringLiteral("No Security Selected."), MsgIcon::Information);
         return;
@@ -284,15 +284,15 @@ void frmOpen::Open() {
     }
     hide();
 
-    frmView* view = nullptr;
-    if (!tChart) {
-        view = new frmView;
+    DataSheetWindow* view = nullptr;
+    if (!opensChart) {
+        view = new DataSheetWindow;
         view->path = folder;
-        view->Sec = name;
+        view->securityName = name;
         view->Symbol = symbol;
         view->setWindowTitle(QStringLiteral("DataSheet of ") + name);
         // The sheet reads the whole security now, while this dialog's reader holds the folder.
-        view->Form_Load();
+        view->load();
     }
     // A chart (cPath := folder, cSymbol := symbol, "Chart of " + name) is opened here once the chart screen exists.
 

@@ -1,10 +1,10 @@
 // The main window: menus, toolbar, status bar, window list, start and end, and the About box.
-#include "frame/Module1.h"
+#include "frame/ProgramState.h"
 #include "frame/WebLinks.h"
-#include "frame/main/MDIMain.h"
+#include "frame/main/MainWindow.h"
 #include "frame/ui/ChildWindows.h"
-#include "frame/ui/frmAbout.h"
-#include "catalogue/ui/frmOpen.h"
+#include "frame/ui/AboutDialog.h"
+#include "catalogue/ui/OpenSecurityDialog.h"
 #include "support/Modal.h"
 #include "support/ScriptedPlatform.h"
 #include "support/TestSupport.h"
@@ -27,14 +27,13 @@
 
 namespace {
 
-// A main window whose end is recorded instead of ending the test program.
+// A main window; the scripted platform records its end instead of ending the test program.
 struct Frame {
-    explicit Frame(ScriptedPlatform&) : window(std::make_unique<MDIMain>()) {
-        window->quitAction = [this] { ++quits; };
-    }
-    MDIMain* operator->() { return window.get(); }
-    std::unique_ptr<MDIMain> window;
-    int quits = 0;
+    explicit Frame(ScriptedPlatform& platform) : window(std::make_unique<MainWindow>()), platform_(platform) {}
+    MainWindow* operator->() { return window.get(); }
+    int quits() const { return platform_.quits; }
+    std::unique_ptr<MainWindow> window;
+    ScriptedPlatform& platform_;
 };
 
 // One menu entry as "name|caption|short cut", indented by its depth; separators show "-".
@@ -47,7 +46,7 @@ void walk(QMenu* menu, int depth, QStringList& out) {
     }
 }
 
-TEST(MDIMain, MenuTreeAsTheUserSeesIt) {
+TEST(MainWindow, MenuTreeAsTheUserSeesIt) {
     ScriptedPlatform p;
     Frame f(p);
     QStringList got;
@@ -56,29 +55,29 @@ TEST(MDIMain, MenuTreeAsTheUserSeesIt) {
         walk(top->menu(), 1, got);
     }
     const QStringList expected = {
-        "mnuFile|   &File   |",                   "  mnuNewSymbol|Create New Symbol|Ctrl+N",
-        "  mnuOpen|Open Data|Ctrl+O",              "  mnuOpenChart|Open Chart|",
-        "  mnub1|-|",                              "  mnuClose|&Close|",
-        "  mnub2|-|",                              "  mnuExit|&Exit|Ctrl+Q",
-        "mnuTools|   &Tools   |",                  "  mnuDownload|Download|",
-        "    mnuYahooDownloads|World Exchanges|",  "    mnud2|-|",
-        "    mnuNSEIndia|NSE India|",              "    mnuNSEIndex|NSE India Index|",
-        "    mnud1|-|",                            "    mnuBSEIndia|BSE India (Not Available)||disabled",
-        "  mnub7|-|",                              "  mnuAdjustSymbol|Adjust Symbol|",
-        "  mnuAdjustData|Adjust Data|",            "  mnub3|-|",
-        "  mnuStockSplit|Adjust for Stock Split (Available Later)||disabled",
-        "  mnut1|-|",                              "  mnuConvert|&Convert|",
-        "  mnub4|-|",                              "  mnuSymbolLookup|Symbol Lookup|",
-        "mnuWindow|   &Window   |",                "mnuHelp|   &Help   |",
-        "  mnuContents|Help Contents|F1",          "  mnuUpdates|Check for Updates|Ctrl+U",
-        "  mnuYahooLookup|Yahoo Symbol Lookup|Ctrl+Y", "  mnub5|-|",
-        "  mnuAbout|About|F2",
+        "fileMenu|   &File   |",                   "  newSymbolAction|Create New Symbol|Ctrl+N",
+        "  openDataAction|Open Data|Ctrl+O",              "  openChartAction|Open Chart|",
+        "  fileSeparator1|-|",                              "  closeAction|&Close|",
+        "  fileSeparator2|-|",                              "  exitAction|&Exit|Ctrl+Q",
+        "toolsMenu|   &Tools   |",                  "  downloadMenu|Download|",
+        "    worldExchangesAction|World Exchanges|",  "    downloadSeparator1|-|",
+        "    nseIndiaAction|NSE India|",              "    nseIndexAction|NSE India Index|",
+        "    downloadSeparator2|-|",                            "    bseIndiaAction|BSE India (Not Available)||disabled",
+        "  toolsSeparator1|-|",                              "  adjustSymbolAction|Adjust Symbol|",
+        "  adjustDataAction|Adjust Data|",            "  toolsSeparator2|-|",
+        "  stockSplitAction|Adjust for Stock Split (Available Later)||disabled",
+        "  toolsSeparator3|-|",                              "  convertAction|&Convert|",
+        "  toolsSeparator4|-|",                              "  symbolLookupAction|Symbol Lookup|",
+        "windowMenu|   &Window   |",                "helpMenu|   &Help   |",
+        "  helpContentsAction|Help Contents|F1",          "  checkUpdatesAction|Check for Updates|Ctrl+U",
+        "  yahooLookupAction|Yahoo Symbol Lookup|Ctrl+Y", "  helpSeparator|-|",
+        "  aboutAction|About|F2",
     };
     EXPECT_EQ(got, expected);
     EXPECT_EQ(f->windowTitle(), QStringLiteral("Brindlemark v6"));
 }
 
-TEST(MDIMain, StartsWithTheSymbolListAndTheRememberedFolderAndNoChildWindow) {
+TEST(MainWindow, StartsWithTheSymbolListAndTheRememberedFolderAndNoChildWindow) {
     for (const bool firstRun : {true, false}) {
         ScriptedPlatform p;
         if (!firstRun) {
@@ -86,16 +85,16 @@ TEST(MDIMain, StartsWithTheSymbolListAndTheRememberedFolderAndNoChildWindow) {
             writeTextFile(QDir(p.programFolder()).filePath("symbols.csv"), "NSE,INFY.NS,Infosys Ltd\nDow,KO,Coca-Cola\n");
         }
         Frame f(p);
-        EXPECT_EQ(Module1::LastFolder, firstRun ? QString() : QStringLiteral("/data/nse"));
-        EXPECT_EQ(Module1::SymbolCount, firstRun ? 0 : 2);
-        EXPECT_TRUE(f->MDIArea->subWindowList().isEmpty());
-        EXPECT_EQ(ChildWindowArea(), f->MDIArea);
+        EXPECT_EQ(sharedState().LastFolder, firstRun ? QString() : QStringLiteral("/data/nse"));
+        EXPECT_EQ(sharedState().SymbolCount, firstRun ? 0 : 2);
+        EXPECT_TRUE(f->childArea->subWindowList().isEmpty());
+        EXPECT_EQ(ChildWindowArea(), f->childArea);
         EXPECT_TRUE(p.boxes.isEmpty());
     }
 }
 
 // The frame's close button saves LastFolder (also when empty) and ends; Exit ends without saving.
-TEST(MDIMain, CloseSavesLastFolderAndExitDoesNot) {
+TEST(MainWindow, CloseSavesLastFolderAndExitDoesNot) {
     const struct { bool exit; const char* folder; const char* saved; } cases[] = {
         {false, "/data/new", "/data/new"}, {false, "", ""}, {true, "/data/new", "/old"}};
     for (const auto& c : cases) {
@@ -103,64 +102,64 @@ TEST(MDIMain, CloseSavesLastFolderAndExitDoesNot) {
         p.settings.insert(QStringLiteral("Settings/LastFolder"), QStringLiteral("/old"));
         Frame f(p);
         f->show();
-        Module1::LastFolder = QString::fromLatin1(c.folder);
+        sharedState().LastFolder = QString::fromLatin1(c.folder);
         if (c.exit)
-            f->mnuExit->trigger();
+            f->exitAction->trigger();
         else
             EXPECT_TRUE(f->close());
         EXPECT_EQ(p.settings.value(QStringLiteral("Settings/LastFolder")), QString::fromLatin1(c.saved)) << c.folder;
-        EXPECT_EQ(f.quits, 1);
+        EXPECT_EQ(f.quits(), 1);
         EXPECT_TRUE(p.boxes.isEmpty());   // no question is asked
     }
 }
 
-TEST(MDIMain, CloseEntryToolbarGapsAndDisabledEntriesChangeNothing) {
+TEST(MainWindow, CloseEntryToolbarGapsAndDisabledEntriesChangeNothing) {
     ScriptedPlatform p;
     Frame f(p);
     f->show();
-    Module1::LastFolder = QStringLiteral("/kept");
-    f->mnuClose->trigger();
-    f->mnuBSEIndia->trigger();
-    f->mnuStockSplit->trigger();
-    f->Toolbar1_ButtonClick(4);
-    f->Toolbar1_ButtonClick(6);
+    sharedState().LastFolder = QStringLiteral("/kept");
+    f->closeAction->trigger();
+    f->bseIndiaAction->trigger();
+    f->stockSplitAction->trigger();
+    f->toolbarButtonClicked(4);
+    f->toolbarButtonClicked(6);
     QApplication::processEvents();
-    EXPECT_EQ(f.quits, 0);
+    EXPECT_EQ(f.quits(), 0);
     EXPECT_TRUE(f->isVisible());
-    EXPECT_EQ(Module1::LastFolder, QStringLiteral("/kept"));
+    EXPECT_EQ(sharedState().LastFolder, QStringLiteral("/kept"));
     EXPECT_TRUE(p.settings.isEmpty() && p.boxes.isEmpty() && p.openedAddresses.isEmpty());
-    EXPECT_TRUE(f->MDIArea->subWindowList().isEmpty());
+    EXPECT_TRUE(f->childArea->subWindowList().isEmpty());
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }
 
 // Help entries and toolbar 7 open their pages and return at once; toolbar 5 pops up Download.
-TEST(MDIMain, HelpEntriesAndToolbarDispatch) {
+TEST(MainWindow, HelpEntriesAndToolbarDispatch) {
     ScriptedPlatform p;
     Frame f(p);
     f->show();
-    ASSERT_EQ(f->Toolbar1Buttons.size(), 7);
+    ASSERT_EQ(f->toolbarButtons.size(), 7);
     for (int i = 0; i < 7; ++i) {
-        QAction* a = f->Toolbar1Buttons[i];
-        EXPECT_EQ(f->Toolbar1->actions().value(i), a) << i + 1;
+        QAction* a = f->toolbarButtons[i];
+        EXPECT_EQ(f->toolbar->actions().value(i), a) << i + 1;
         EXPECT_EQ(a->isSeparator(), i == 3 || i == 5) << i + 1;
         EXPECT_EQ(a->icon().isNull(), a->isSeparator()) << i + 1;
     }
-    f->mnuContents->trigger();
-    f->mnuUpdates->trigger();
-    f->mnuYahooLookup->trigger();
-    f->Toolbar1Buttons[6]->trigger();
+    f->helpContentsAction->trigger();
+    f->checkUpdatesAction->trigger();
+    f->yahooLookupAction->trigger();
+    f->toolbarButtons[6]->trigger();
     EXPECT_EQ(p.openedAddresses, (QStringList{WebLinks::HelpPage, WebLinks::ProductPage,
                                               WebLinks::YahooLookupPage, WebLinks::HelpPage}));
     QCursor::setPos(f->mapToGlobal(QPoint(80, 60)));
-    f->Toolbar1Buttons[4]->trigger();
-    EXPECT_EQ(QApplication::activePopupWidget(), f->mnuDownload);
-    f->mnuDownload->close();
+    f->toolbarButtons[4]->trigger();
+    EXPECT_EQ(QApplication::activePopupWidget(), f->downloadMenu);
+    f->downloadMenu->close();
     EXPECT_EQ(p.openedAddresses.size(), 4);
     EXPECT_TRUE(p.boxes.isEmpty());
 }
 
-TEST(MDIMain, WindowMenuListsTheChildWindowsAndActivatesThePickedOne) {
+TEST(MainWindow, WindowMenuListsTheChildWindowsAndActivatesThePickedOne) {
     ScriptedPlatform p;
     Frame f(p);
     f->show();
@@ -175,39 +174,39 @@ TEST(MDIMain, WindowMenuListsTheChildWindowsAndActivatesThePickedOne) {
     const auto listed = [&] {
         f->refreshWindowList();
         QStringList texts;
-        for (QAction* a : f->mnuWindow->actions())
+        for (QAction* a : f->windowMenu->actions())
             texts << a->text() + (a->isChecked() ? QStringLiteral(" *") : QString());
         return texts;
     };
     EXPECT_EQ(listed(), (QStringList{"DataSheet of INFOSYS", "DataSheet of INFOSYS", "Chart of TCS *"}));
-    f->mnuWindow->actions()[0]->trigger();
+    f->windowMenu->actions()[0]->trigger();
     EXPECT_EQ(listed(), (QStringList{"DataSheet of INFOSYS *", "DataSheet of INFOSYS", "Chart of TCS"}));
-    for (QMdiSubWindow* sub : f->MDIArea->subWindowList())   // a child keeps the size its screen gave it
+    for (QMdiSubWindow* sub : f->childArea->subWindowList())   // a child keeps the size its screen gave it
         EXPECT_GE(sub->widget()->size().width(), 200);
-    f->MDIArea->subWindowList(QMdiArea::CreationOrder)[1]->close();
+    f->childArea->subWindowList(QMdiArea::CreationOrder)[1]->close();
     QApplication::processEvents();
     EXPECT_EQ(listed().size(), 2);   // a closed window leaves the list
 }
 
-TEST(MDIMain, StatusBarShowsTitleKeysAndTodaysDate) {
+TEST(MainWindow, StatusBarShowsTitleKeysAndTodaysDate) {
     ScriptedPlatform p;
     p.todayDate = QDate(2026, 11, 3);
     for (const auto& [locale, date] : {std::pair{"en_GB", "03/11/2026"}, std::pair{"en_US", "11/3/26"}}) {
         LocaleGuard l(QString::fromLatin1(locale));
         Frame f(p);
-        EXPECT_EQ(f->Panel1->text(), QStringLiteral("Brindlemark v6 - ") + WebLinks::MakerLine);
-        EXPECT_EQ(f->Panel2->text(), QStringLiteral("INS"));
-        EXPECT_EQ(f->Panel3->text(), QStringLiteral("CAPS"));
-        EXPECT_EQ(f->Panel4->text(), QString::fromLatin1(date));
+        EXPECT_EQ(f->titlePanel->text(), QStringLiteral("Brindlemark v6 - ") + WebLinks::MakerLine);
+        EXPECT_EQ(f->insertPanel->text(), QStringLiteral("INS"));
+        EXPECT_EQ(f->capsPanel->text(), QStringLiteral("CAPS"));
+        EXPECT_EQ(f->datePanel->text(), QString::fromLatin1(date));
     }
 }
 
-TEST(MDIMain, KeyPanelsFollowInsertAndCapsLock) {
+TEST(MainWindow, KeyPanelsFollowInsertAndCapsLock) {
     ScriptedPlatform p;
     Frame f(p);
     f->show();
-    auto* target = new QWidget(f->MDIArea);   // a widget that leaves keys to its parents
-    EXPECT_FALSE(f->Panel2->isEnabled() || f->Panel3->isEnabled());
+    auto* target = new QWidget(f->childArea);   // a widget that leaves keys to its parents
+    EXPECT_FALSE(f->insertPanel->isEnabled() || f->capsPanel->isEnabled());
     const struct { int key; Qt::KeyboardModifiers modifiers; bool ins, caps; } presses[] = {  // key < 128: a letter
         {Qt::Key_Insert, {}, true, false}, {Qt::Key_Insert, {}, false, false}, {Qt::Key_CapsLock, {}, false, true},
         {'a', {}, false, false},                  // a small letter without Shift: caps is off
@@ -218,24 +217,24 @@ TEST(MDIMain, KeyPanelsFollowInsertAndCapsLock) {
             QTest::keyClick(target, char(k.key), k.modifiers);
         else
             QTest::keyClick(target, Qt::Key(k.key), k.modifiers);
-        EXPECT_EQ(f->Panel2->isEnabled(), k.ins) << k.key;
-        EXPECT_EQ(f->Panel3->isEnabled(), k.caps) << k.key;
+        EXPECT_EQ(f->insertPanel->isEnabled(), k.ins) << k.key;
+        EXPECT_EQ(f->capsPanel->isEnabled(), k.caps) << k.key;
     }
 }
 
 // --- About ---
 
-TEST(frmAbout, ShowsNameVersionMakerAndIsCentredOnce) {
+TEST(AboutDialog, ShowsNameVersionMakerAndIsCentredOnce) {
     ScriptedPlatform p;
-    frmAbout about;
+    AboutDialog about;
     EXPECT_EQ(about.windowTitle(), QStringLiteral("About"));
     const std::pair<const char*, QString> labels[] = {
-        {"Label1", "Brindlemark for Metastock"}, {"Label2", "Version 6  Revision 01"},
-        {"Label3", WebLinks::MakerLine}, {"Label4", WebLinks::MakerHomePage}, {"Label6", WebLinks::MakerEmail}};
+        {"productLabel", "Brindlemark for Metastock"}, {"versionLabel", "Version 6  Revision 01"},
+        {"makerLabel", WebLinks::MakerLine}, {"webLink", WebLinks::MakerHomePage}, {"mailLabel", WebLinks::MakerEmail}};
     for (const auto& [name, text] : labels)
         EXPECT_EQ(child<QLabel>(&about, name)->text(), text) << name;
-    EXPECT_EQ(child<QPushButton>(&about, "Command1")->text(), QStringLiteral("OK"));
-    EXPECT_FALSE(child<QLabel>(&about, "Image1")->pixmap().isNull());
+    EXPECT_EQ(child<QPushButton>(&about, "okButton")->text(), QStringLiteral("OK"));
+    EXPECT_FALSE(child<QLabel>(&about, "iconLabel")->pixmap().isNull());
     about.show();
     const QRect screen = about.screen()->geometry();
     const QRect frame = about.frameGeometry();   // the window measured with its frame
@@ -243,31 +242,31 @@ TEST(frmAbout, ShowsNameVersionMakerAndIsCentredOnce) {
     EXPECT_NEAR(frame.y(), screen.y() + (screen.height() - frame.height()) / 2, 1);
 }
 
-TEST(frmAbout, LinkLightsUpUnderThePointerAndOpensTheMakersPage) {
+TEST(AboutDialog, LinkLightsUpUnderThePointerAndOpensTheMakersPage) {
     ScriptedPlatform p;
-    frmAbout about;
+    AboutDialog about;
     about.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&about));
     const auto moveOver = [&about](QWidget* widget) {   // the pointer moving over a widget
         QMouseEvent move(QEvent::MouseMove, QPointF(3, 3), widget->mapToGlobal(QPointF(3, 3)), Qt::NoButton,
                          Qt::NoButton, Qt::NoModifier);
         QApplication::sendEvent(widget, &move);
-        return about.Label4->palette().color(QPalette::WindowText);
+        return about.webLink->palette().color(QPalette::WindowText);
     };
-    EXPECT_EQ(about.Label4->palette().color(QPalette::WindowText), QColor(0, 0, 255));
-    EXPECT_EQ(moveOver(about.Label4), QColor(255, 0, 0));
-    EXPECT_EQ(moveOver(about.Picture1), QColor(0, 0, 255));
+    EXPECT_EQ(about.webLink->palette().color(QPalette::WindowText), QColor(0, 0, 255));
+    EXPECT_EQ(moveOver(about.webLink), QColor(255, 0, 0));
+    EXPECT_EQ(moveOver(about.backPanel), QColor(0, 0, 255));
 
-    QTest::mouseClick(about.Label4, Qt::LeftButton, {}, QPoint(5, 5));
+    QTest::mouseClick(about.webLink, Qt::LeftButton, {}, QPoint(5, 5));
     EXPECT_EQ(p.openedAddresses, QStringList{WebLinks::MakerHomePage});
     EXPECT_TRUE(about.isVisible());   // the box stays up
     p.openAddressFails = true;        // no failure handling: a failing call shows nothing
-    about.Label4_Click();
+    about.openWebLink();
     EXPECT_TRUE(p.boxes.isEmpty());
 }
 
-// mnuAbout shows the box modally; Escape closes it as OK does, other keys do not.
-TEST(MDIMain, AboutEntryShowsTheBoxModallyAndEscapeOrOkClosesIt) {
+// aboutAction shows the box modally; Escape closes it as OK does, other keys do not.
+TEST(MainWindow, AboutEntryShowsTheBoxModallyAndEscapeOrOkClosesIt) {
     ScriptedPlatform p;
     Frame f(p);
     f->show();
@@ -281,9 +280,9 @@ TEST(MDIMain, AboutEntryShowsTheBoxModallyAndEscapeOrOkClosesIt) {
             if (escape)
                 QTest::keyClick(box, Qt::Key_Escape);
             else
-                QTest::mouseClick(child<QPushButton>(box, "Command1"), Qt::LeftButton);
+                QTest::mouseClick(child<QPushButton>(box, "okButton"), Qt::LeftButton);
         });
-        f->mnuAbout->trigger();
+        f->aboutAction->trigger();
         EXPECT_EQ(caption, QStringLiteral("About"));
         EXPECT_TRUE(stayedUp);
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
@@ -293,11 +292,11 @@ TEST(MDIMain, AboutEntryShowsTheBoxModallyAndEscapeOrOkClosesIt) {
 } // namespace
 
 // Each entry that opens a screen opens the right one, modally; Close leaves nothing open.
-TEST(MDIMain, MenuEntriesAndToolbarOpenTheirScreens) {
+TEST(MainWindow, MenuEntriesAndToolbarOpenTheirScreens) {
     const struct { const char* entry; int toolbar; const char* caption; bool chart; } cases[] = {
-        {"mnuNewSymbol", 1, "Create New Symbols", false}, {"mnuOpen", 2, "Open Security", false},
-        {"mnuOpenChart", 3, "Open Security", true},       {"mnuYahooDownloads", 0, "Downloader", false},
-        {"mnuSymbolLookup", 0, "Symbol Lookup", false}};
+        {"newSymbolAction", 1, "Create New Symbols", false}, {"openDataAction", 2, "Open Security", false},
+        {"openChartAction", 3, "Open Security", true},       {"worldExchangesAction", 0, "Downloader", false},
+        {"symbolLookupAction", 0, "Symbol Lookup", false}};
     for (const auto& c : cases) {
         for (const bool viaToolbar : {false, true}) {
             if (viaToolbar && c.toolbar == 0)
@@ -309,19 +308,19 @@ TEST(MDIMain, MenuEntriesAndToolbarOpenTheirScreens) {
             bool chart = false;
             onNextModal([&](QWidget* dialog) {
                 seen = dialog->windowTitle();
-                if (auto* open = qobject_cast<frmOpen*>(dialog))
-                    chart = open->tChart;
+                if (auto* open = qobject_cast<OpenSecurityDialog*>(dialog))
+                    chart = open->opensChart;
                 dialog->close();
             });
             if (viaToolbar)
-                f->Toolbar1_ButtonClick(c.toolbar);
+                f->toolbarButtonClicked(c.toolbar);
             else
                 f->findChild<QAction*>(QString::fromLatin1(c.entry))->trigger();
             const std::string what = viaToolbar ? "toolbar " + std::to_string(c.toolbar) : c.entry;
             EXPECT_EQ(seen, QString::fromLatin1(c.caption)) << what;
             EXPECT_EQ(chart, c.chart) << what;
             EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << what;
-            EXPECT_TRUE(f->MDIArea->subWindowList().isEmpty()) << what;
+            EXPECT_TRUE(f->childArea->subWindowList().isEmpty()) << what;
         }
     }
 }

@@ -1,9 +1,10 @@
-#include "download/clsDailyQuotes.h"
+#include "download/DailyQuotes.h"
 
 #include "download/Inet.h"
 #include "download/ServiceAddresses.h"
 #include "frame/Failure.h"
-#include "frame/Module1.h"
+#include "frame/Platform.h"
+#include "frame/ProgramState.h"
 #include "frame/Regional.h"
 
 #include <QDir>
@@ -15,14 +16,12 @@
 
 namespace {
 
-QString traceOverride;
-
 constexpr int Stride = 7;   // Date, Open, High, Low, Close, Volume, and a seventh column
 
 double toDouble(const Regional::NumberReader& numbers, QStringView field) {
     const auto value = numbers.read(field);
     if (!value)
-        throw Failure(FailureNumber::TypeMismatch, QStringLiteral("Type mismatch"), QStringLiteral("clsDailyQuotes"));
+        throw Failure(FailureNumber::TypeMismatch, QStringLiteral("Type mismatch"), QStringLiteral("DailyQuotes"));
     return *value;
 }
 
@@ -30,33 +29,31 @@ double toDouble(const Regional::NumberReader& numbers, QStringView field) {
 qint32 toVolume(const Regional::NumberReader& numbers, QStringView field) {
     const double rounded = std::nearbyint(toDouble(numbers, field));
     if (rounded < std::numeric_limits<qint32>::min() || rounded > std::numeric_limits<qint32>::max())
-        throw Failure(FailureNumber::Overflow, QStringLiteral("Overflow"), QStringLiteral("clsDailyQuotes"));
+        throw Failure(FailureNumber::Overflow, QStringLiteral("Overflow"), QStringLiteral("DailyQuotes"));
     return static_cast<qint32>(rounded);
 }
 
 void writeTrace(const QString& normalised) {
-    QFile file(clsDailyQuotes::tracePath());
+    QFile file(DailyQuotes::tracePath());
     const QByteArray bytes = normalised.toUtf8() + "\r\n";
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(bytes) != bytes.size())
         throw Failure(FailureNumber::PathFileAccess, QStringLiteral("Path/File access error"),
-                      QStringLiteral("clsDailyQuotes"));
+                      QStringLiteral("DailyQuotes"));
 }
 
 } // namespace
 
-QString clsDailyQuotes::tracePath() {
-    if (!traceOverride.isEmpty())
-        return traceOverride;
+QString DailyQuotes::tracePath() {
 #ifdef Q_OS_WIN
     if (QFileInfo::exists(QStringLiteral("c:/")))
         return QStringLiteral("c:\\t.txt");
 #endif
-    return QDir(QDir::tempPath()).filePath(QStringLiteral("t.txt"));
+    const QString folder = platform().cacheFolder();
+    QDir().mkpath(folder);
+    return QDir(folder).filePath(QStringLiteral("t.txt"));
 }
 
-void clsDailyQuotes::setTracePath(const QString& path) { traceOverride = path; }
-
-QString clsDailyQuotes::QuotesQuery(const QString& Symbol, const QDate& FirstDate, const QDate& LastDate) {
+QString DailyQuotes::QuotesQuery(const QString& Symbol, const QDate& FirstDate, const QDate& LastDate) {
     const auto n = [](int value) { return QString::number(value); };
     return QStringLiteral("/table.csv?s=") + Symbol.trimmed()
          + QStringLiteral("&d=") + n(LastDate.month() - 1)
@@ -68,19 +65,19 @@ QString clsDailyQuotes::QuotesQuery(const QString& Symbol, const QDate& FirstDat
          + QStringLiteral("&ignore=.csv");
 }
 
-QString clsDailyQuotes::NormaliseReply(QString reply) {
+QString DailyQuotes::NormaliseReply(QString reply) {
     reply.replace(QChar(13), QChar(u','));
     reply.replace(QChar(10), QChar(u','));
     return reply;
 }
 
-qint16 clsDailyQuotes::ReadTable(const QString& normalised) {
+qint16 DailyQuotes::ReadTable(const QString& normalised) {
     const QList<QStringView> fields = QStringView(normalised).split(u',');
     const qsizetype last = fields.size() - 1;   // L, the highest field number
     if (last <= 10)
         return 2;
 
-    auto& quotes = Module1::Quotes;
+    auto& quotes = handOvers().Quotes;
     quotes.clear();
     const Regional::NumberReader numbers;
     try {
@@ -105,10 +102,10 @@ qint16 clsDailyQuotes::ReadTable(const QString& normalised) {
     return 0;
 }
 
-void clsDailyQuotes::DownloadDailyQuotes(const QString& Symbol, const QDate& FirstDate, const QDate& LastDate) {
+void DailyQuotes::DownloadDailyQuotes(const QString& Symbol, const QDate& FirstDate, const QDate& LastDate) {
     try {
         const QString url = ServiceAddresses::yahooQuotes() + QuotesQuery(Symbol, FirstDate, LastDate);
-        const QString normalised = NormaliseReply(Inet1.OpenURL(url));
+        const QString normalised = NormaliseReply(connection_.OpenURL(url));
         writeTrace(normalised);
         Error = ReadTable(normalised);
     } catch (const Failure& failure) {

@@ -13,23 +13,23 @@ class QPushButton;
 
 // The dialog's result (Dat, OpenPrice, High, Low, ClosePrice, Volume) is the record it holds; it
 // is kept after the dialog has closed.
-class frmChange : public QDialog, public RecordValues {
+class RecordDialog : public QDialog, public RecordValues {
     Q_OBJECT
 public:
-    explicit frmChange(QWidget* parent = nullptr);
+    explicit RecordDialog(QWidget* parent = nullptr);
 
-    bool OK = false;   // true only when the dialog was left with "&Apply"
+    bool applied = false;   // true only when the dialog was left with "&Apply"
 
-    QDateEdit* DTPicker1;
-    QLineEdit* Text2;   // open
-    QLineEdit* Text3;   // high
-    QLineEdit* Text4;   // low
-    QLineEdit* Text5;   // close
-    QLineEdit* Text6;   // volume
-    QPushButton* Command1;   // "&Apply"
-    QPushButton* Command3;   // "&Close"
+    QDateEdit* dateEdit;
+    QLineEdit* openEdit;   // open
+    QLineEdit* highEdit;   // high
+    QLineEdit* lowEdit;   // low
+    QLineEdit* closeEdit;   // close
+    QLineEdit* volumeEdit;   // volume
+    QPushButton* applyButton;   // "&Apply"
+    QPushButton* closeButton;   // "&Close"
 
-    void Form_Load();
-    void Command1_Click();
-    void Command3_Click();
+    void load();
+    void apply();
+    void closeDialog();
 };
