@@ -3,7 +3,7 @@
 # as root directly, otherwise through sudo.
 set -euo pipefail
 packages=(build-essential g++ cmake pkg-config qt6-base-dev libzip-dev libgtest-dev libgmock-dev
-          libbenchmark-dev xvfb xauth)
+          libbenchmark-dev xvfb xauth file desktop-file-utils)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

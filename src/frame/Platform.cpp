@@ -32,11 +32,16 @@ MsgAnswer MsgBox(const QString& text, MsgIcon icon, const QString& title, MsgBut
 
 QString ownFileForReading(const QString& name) {
     // Reads follow writes: the place where the program would write the file, when it holds it,
-    // else the copy shipped beside the executable.
+    // else the copy shipped beside the executable, else the one an installed program keeps in
+    // share/brindlemark beside its bin folder.
     const QString writable = ownFileForWriting(name);
     if (QFileInfo::exists(writable))
         return writable;
-    return QDir(platform().programFolder()).filePath(name);
+    const QDir program(platform().programFolder());
+    const QString installed = program.filePath(QStringLiteral("../share/brindlemark/") + name);
+    if (!QFileInfo::exists(program.filePath(name)) && QFileInfo::exists(installed))
+        return QDir::cleanPath(installed);
+    return program.filePath(name);
 }
 
 QString ownFileForWriting(const QString& name) {

@@ -57,7 +57,8 @@ MsgAnswer MsgBox(const QString& text, MsgIcon icon = MsgIcon::None, const QStrin
                  MsgButtons buttons = MsgButtons::Ok);
 
 // Where a file of the program's own ("symbols.csv", "folders.txt") is read from: where the
-// program writes it, when it is there (see below), else the program's folder.
+// program writes it, when it is there (see below), else the program's folder, else
+// share/brindlemark beside the program's folder (an installed program).
 QString ownFileForReading(const QString& name);
 // Where such a file is written: the program's folder when it is writable, else the per-user
 // data folder (made when missing).

@@ -48,6 +48,7 @@ public:
     QDate todayDate{2026, 11, 23};
     QMap<QString, QString> settings;   // "Section/Key" -> value
     QTemporaryDir programDir;          // the program's own folder, empty at start
+    QString programPath;               // when set, the program's folder in place of programDir
     QTemporaryDir userDir;             // the per-user data folder
     QTemporaryDir cacheDir;            // the per-user cache folder
     ProgramState state;                // what the screens share and hand over, fresh for each test
@@ -62,7 +63,7 @@ public:
     bool openAddress(const QString& address) override;
     QDate today() override { return todayDate; }
     void quit() override { ++quits; }
-    QString programFolder() override { return programDir.path(); }
+    QString programFolder() override { return programPath.isEmpty() ? programDir.path() : programPath; }
     QString userDataFolder() override { return userDir.path(); }
     QString cacheFolder() override { return cacheDir.path(); }
     QString getSetting(const QString& section, const QString& key, const QString& defaultValue) override;
