@@ -1,5 +1,7 @@
 #include "Cli.h"
 
+#include "DownloadCommands.h"
+
 #include "frame/Failure.h"
 #include "frame/Regional.h"
 #include "store/MetaStockFormat.h"
@@ -187,12 +189,17 @@ QString cliUsage() {
         "  import FOLDER SYMBOL FILE               adds the records of a CSV file with the header of dump;\n"
         "                                          a date the security holds is replaced\n"
         "  check FOLDER                            reports every inconsistency of the folder\n"
+        "  download quotes FOLDER... [--symbols S,...]\n"
+        "                                          the World Exchanges download of every security of the\n"
+        "                                          folders (or of the symbols given), merged as the\n"
+        "                                          program merges; one line per security, a summary\n"
         "  --help                                  this text\n"
         "\n"
-        "Exit status: 0 done, 1 failed or inconsistencies found, 2 bad usage.\n");
+        "Exit status: 0 done, 1 failed or inconsistencies found, 2 bad usage, 130 stopped by Ctrl+C\n"
+        "(after the security in hand; nothing is half written).\n");
 }
 
-int runCli(const QStringList& arguments, QTextStream& out, QTextStream& err) {
+int runCli(const QStringList& arguments, QTextStream& out, QTextStream& err, bool progressOnTerminal) {
     try {
         if (arguments.isEmpty())
             throw Usage{QStringLiteral("no command given")};
@@ -226,6 +233,23 @@ int runCli(const QStringList& arguments, QTextStream& out, QTextStream& err) {
             if (rest.size() != 1)
                 throw Usage{QStringLiteral("check takes one folder")};
             return check(rest[0], out);
+        }
+        if (command == QLatin1String("download")) {
+            if (rest.value(0) != QLatin1String("quotes"))
+                throw Usage{QStringLiteral("download takes: quotes")};
+            QStringList folders, symbols;
+            for (int i = 1; i < rest.size(); ++i) {
+                if (rest[i] == QLatin1String("--symbols")) {
+                    if (++i >= rest.size())
+                        throw Usage{QStringLiteral("--symbols takes a list of symbols")};
+                    symbols += rest[i].split(QLatin1Char(','), Qt::SkipEmptyParts);
+                } else {
+                    folders << rest[i];
+                }
+            }
+            if (folders.isEmpty())
+                throw Usage{QStringLiteral("download quotes takes one or more folders")};
+            return downloadQuotes(folders, symbols, out, err, progressOnTerminal);
         }
         throw Usage{QStringLiteral("unknown command \"%1\"").arg(command)};
     } catch (const Usage& usage) {

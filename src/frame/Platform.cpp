@@ -26,6 +26,8 @@ Platform& platform() {
 
 void setPlatform(Platform* services) { installed = services; }
 
+Platform* installedPlatform() { return installed; }
+
 MsgAnswer MsgBox(const QString& text, MsgIcon icon, const QString& title, MsgButtons buttons) {
     return platform().messageBox(text, icon, title.isEmpty() ? ProgramTitle : title, buttons);
 }

@@ -51,6 +51,8 @@ inline const QString ProgramTitle = QStringLiteral("Brindlemark v6");
 Platform& platform();
 // Installs the platform services; the caller keeps ownership. Passing nullptr removes them.
 void setPlatform(Platform* services);
+// The services installed, or nullptr when there are none.
+Platform* installedPlatform();
 
 // A message box as the program's screens show it: a box without a title shows the program's title.
 MsgAnswer MsgBox(const QString& text, MsgIcon icon = MsgIcon::None, const QString& title = {},

@@ -1,0 +1,75 @@
+// brindlemark-cli's unattended World Exchanges download, run in-process against the loopback
+// quotes service (today is 23 November 2026 on the scripted platform).
+#include "Cli.h"
+#include "DownloadCommands.h"
+#include "DownloadTestKit.h"
+
+#include "store/StoreCheck.h"
+
+namespace {
+
+class CliDownload : public DownloadTest {
+protected:
+    int run(const QStringList& arguments) {
+        QString outText, errText;
+        QTextStream out(&outText), err(&errText);
+        const int status = runCli(arguments, out, err);
+        out.flush();
+        err.flush();
+        stdoutLines = outText.split(u'\n', Qt::SkipEmptyParts);
+        stderrText = errText;
+        return status;
+    }
+    QStringList stdoutLines;
+    QString stderrText;
+};
+
+TEST_F(CliDownload, OneLinePerSecurityMergedAsTheScreenMergesAndASummary) {
+    const QString a = temp.sub("a"), b = temp.sub("b");
+    makeSecurity(a, "AAA.NS", "Alpha", {bar(20261110, 10), bar(20261111, 11)});
+    makeSecurity(a, "NODATA.NS", "Gone", {bar(20261110, 5)});
+    makeSecurity(b, "BBB.NS", "Beta", {bar(20261120, 20)});
+    makeSecurity(b, "NEW.NS", "Fresh", {bar(20261123, 30)});
+    // AAA's reply overlaps what is stored: the reply wins for 11 November.
+    replies.insert("AAA.NS", LoopbackReply::ok(Header + line(bar(20261112, 12)) + line(bar(20261111, 99))));
+    replies.insert("NODATA.NS", LoopbackReply::withStatus(404, "<html>no</html>"));
+    replies.insert("BBB.NS", LoopbackReply::ok(Header + line(bar(20261121, 21))));
+
+    ASSERT_EQ(run({"download", "quotes", a, b}), 0) << stderrText.toStdString();
+    EXPECT_EQ(stdoutLines, (QStringList{"AAA.NS 2 records", "NODATA.NS No Data Available", "BBB.NS 1 records",
+                                        "NEW.NS Up to date",
+                                        "2 downloaded, 1 up to date, 1 without data, 0 failed"}));
+    EXPECT_EQ(storedBars(a, "AAA.NS"), (QList<StoredBar>{bar(20261110, 10), bar(20261111, 99), bar(20261112, 12)}));
+    EXPECT_EQ(storedBars(b, "BBB.NS"), (QList<StoredBar>{bar(20261120, 20), bar(20261121, 21)}));
+
+    // Only the symbols asked for; an unknown one is a failure named on standard error.
+    replies.insert("BBB.NS", LoopbackReply::ok(Header + line(bar(20261122, 22))));
+    EXPECT_EQ(run({"download", "quotes", a, b, "--symbols", "bbb.ns,ZZZ"}), 1);
+    EXPECT_EQ(stdoutLines.first(), "BBB.NS 1 records");
+    EXPECT_EQ(stdoutLines.size(), 2);
+    EXPECT_TRUE(stderrText.contains("ZZZ: not in the folders given")) << stderrText.toStdString();
+}
+
+TEST_F(CliDownload, UsageFailuresAndAStopAfterTheSecurityInHand) {
+    EXPECT_EQ(run({"download"}), 2);
+    EXPECT_EQ(run({"download", "quotes"}), 2);
+    EXPECT_EQ(run({"download", "quotes", temp.sub("x"), "--symbols"}), 2);
+    EXPECT_EQ(run({"download", "quotes", temp.path() + "/missing"}), 1);
+
+    const QString a = temp.sub("a");
+    makeSecurity(a, "AAA.NS", "Alpha", {bar(20261110, 10)});
+    makeSecurity(a, "BBB.NS", "Beta", {bar(20261110, 20)});
+    replies.insert("AAA.NS", LoopbackReply::ok(Header + line(bar(20261111, 11))));
+    replies.insert("BBB.NS", LoopbackReply::ok(Header + line(bar(20261111, 21))));
+    server.setHandler([this](const QByteArray&) {
+        requestStop();   // Ctrl+C while AAA is asked for
+        return replies.value("AAA.NS");
+    });
+    EXPECT_EQ(run({"download", "quotes", a}), 130);
+    EXPECT_EQ(stdoutLines.first(), "AAA.NS 1 records");
+    EXPECT_TRUE(stderrText.contains("Stopped after the security in hand")) << stderrText.toStdString();
+    EXPECT_EQ(storedBars(a, "BBB.NS"), (QList<StoredBar>{bar(20261110, 20)}));
+    EXPECT_TRUE(StoreCheck::checkFolder(a).empty());
+}
+
+} // namespace

@@ -1,0 +1,155 @@
+#include "DownloadCommands.h"
+
+#include "ConsolePlatform.h"
+
+#include "download/DownloadRun.h"
+#include "download/Inet.h"
+#include "frame/Failure.h"
+#include "frame/ProgramState.h"
+#include "frame/Regional.h"
+#include "store/SecurityReader.h"
+
+#include <QElapsedTimer>
+#include <QSet>
+
+#include <csignal>
+
+namespace {
+
+volatile std::sig_atomic_t stopAsked = 0;
+
+// What the run reports, as lines of text: one result per security, failures apart, and a
+// progress line that a terminal overwrites in place.
+class ConsoleListener : public DownloadListener {
+public:
+    ConsoleListener(QTextStream& out, QTextStream& err, bool progress) : out_(out), err_(err), progress_(progress) {
+        clock_.start();
+    }
+
+    void itemStarted(int index, int count, const QString& symbol, qint16, qint16, qint16) override {
+        if (!progress_)
+            return;
+        const double seconds = clock_.elapsed() / 1000.0;
+        const double rate = seconds > 0 ? (index - 1) / seconds : 0.0;
+        err_ << QStringLiteral("\r\x1b[K%1 of %2  %3  (%4 securities/s)").arg(index).arg(count).arg(symbol).arg(rate, 0, 'f', 1);
+        err_.flush();
+    }
+    void fetching(const QString&) override {}
+    void recordRange(int) override {}
+    void recordProgress(int) override {}
+    void lineAdded(const QString& line) override {
+        // The security's result is written: a Ctrl+C now stops the run before the next one.
+        if (stopAsked && run)
+            run->CancelRequested = true;
+        clearProgress();
+        const qsizetype colon = line.indexOf(QLatin1String(" : "));
+        const QString outcome = line.left(colon);
+        const QString symbol = line.mid(colon + 3);
+        if (outcome == QLatin1String("Download Complete")) {
+            out_ << symbol << ' ' << handOvers().Quotes.upperBound() << " records\n";
+            ++done;
+        } else if (outcome == QLatin1String("Upto Date")) {
+            out_ << symbol << " Up to date\n";
+            ++upToDate;
+        } else if (outcome == QLatin1String("No Data Available")) {
+            out_ << symbol << " No Data Available\n";
+            ++noData;
+        } else {
+            err_ << symbol << ": " << outcome << '\n';
+            ++failed;
+        }
+        out_.flush();
+    }
+    void captionChanged(const QString&) override {}
+    void runEnded() override { clearProgress(); }
+
+    DownloadRun* run = nullptr;
+    int done = 0, upToDate = 0, noData = 0, failed = 0;
+
+private:
+    void clearProgress() {
+        if (progress_) {
+            err_ << "\r\x1b[K";
+            err_.flush();
+        }
+    }
+    QTextStream& out_;
+    QTextStream& err_;
+    bool progress_;
+    QElapsedTimer clock_;
+};
+
+// The securities of a folder as download items, as the Downloader makes them for ticked rows.
+void addItems(const QString& folder, const QSet<QString>& wanted, QSet<QString>& found) {
+    SecurityReader reader;
+    reader.OpenFolder(folder);
+    while (reader.GetSecuritiesRemaining() > 0) {
+        reader.NextSecurity();
+        const QString symbol = reader.GetSymbol().trimmed();
+        if (!wanted.isEmpty() && !wanted.contains(symbol.toUpper()))
+            continue;
+        found.insert(symbol.toUpper());
+        DownloadItem item;
+        item.Symbol = symbol;
+        item.Folder = folder;
+        const QDate last = Regional::fromStoreDate(reader.GetLastDate());
+        if (last.isValid()) {
+            item.FirstDate = Regional::dateText(last.addDays(-35));
+            item.NextDate = Regional::dateText(last.addDays(1));
+        }
+        handOvers().DownloadItems.append(item);
+    }
+    reader.CloseFolder();
+}
+
+} // namespace
+
+void requestStop() { stopAsked = 1; }
+
+int downloadQuotes(const QStringList& folders, const QStringList& symbols, QTextStream& out, QTextStream& err,
+                   bool progressOnTerminal) {
+    // The program's own settings and clock, unless services are installed already.
+    ConsolePlatform console(err);
+    const bool ownPlatform = installedPlatform() == nullptr;
+    if (ownPlatform)
+        setPlatform(&console);
+    ProgramState state;
+    stopAsked = 0;
+
+    QSet<QString> wanted, found;
+    for (const QString& s : symbols)
+        wanted.insert(s.trimmed().toUpper());
+    int status = 0;
+    for (const QString& folder : folders) {
+        try {
+            addItems(folder, wanted, found);
+        } catch (const Failure& failure) {
+            err << folder << ": " << failure.Description << '\n';
+            status = 1;
+        }
+    }
+    for (const QString& s : wanted - found) {
+        err << s << ": not in the folders given\n";
+        status = 1;
+    }
+
+    ConsoleListener listener(out, err, progressOnTerminal);
+    Inet connection;
+    DownloadRun run(connection, listener);
+    listener.run = &run;
+    if (handOvers().DownloadItems.upperBound() > 0)
+        run.RunDownload();
+
+    const bool stopped = stopAsked || run.CancelRequested;
+    out << listener.done << " downloaded, " << listener.upToDate << " up to date, " << listener.noData
+        << " without data, " << listener.failed << " failed\n";
+    if (listener.failed > 0)
+        status = 1;
+    if (stopped) {
+        err << "Stopped after the security in hand; nothing is half written.\n";
+        status = 130;
+    }
+    if (ownPlatform)
+        setPlatform(nullptr);
+    return status;
+}

@@ -1,0 +1,16 @@
+#pragma once
+// The unattended downloads of brindlemark-cli.
+
+#include <QStringList>
+#include <QTextStream>
+
+// `download quotes FOLDER... [--symbols S,...]`: the World Exchanges run over every security of
+// each folder (or only the given symbols), from 35 days before each security's last date to
+// today, merged as the Download Progress window merges. One line per security on `out`, a
+// summary at the end; a progress line on `progress` when it is a terminal. Exit status: 0 all
+// done, 1 a security failed (named on `err`), 130 stopped by Ctrl+C after the security in hand.
+int downloadQuotes(const QStringList& folders, const QStringList& symbols, QTextStream& out, QTextStream& err,
+                   bool progressOnTerminal);
+
+// Asks a run in progress to stop after the security in hand (safe to call from a signal handler).
+void requestStop();
