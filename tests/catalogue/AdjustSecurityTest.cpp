@@ -178,7 +178,9 @@ TEST_F(Catalogue, ChangeBeforeAnyClickShowsTheStoresFailure) {
 TEST_F(Catalogue, ChangeRenamesTheSecurityClickedLast) {
     auto dialog = shown<AdjustSecurityDialog>();
     dialog->folderList->setPath(data);
-    clickEntry(dialog->securitiesList, "Beta Foods");
+    clickEntry(dialog->securitiesList, "Alpha Mining");
+    EXPECT_EQ(dialog->nameEdit->text(), "Alpha Mining");
+    QTest::keyClick(dialog->securitiesList, Qt::Key_Down);   // a key picks as a click does
     EXPECT_EQ(dialog->nameEdit->text(), "Beta Foods");
     EXPECT_EQ(dialog->symbolEdit->text(), "BBB");
     EXPECT_EQ(dialog->firstDateEdit->text(), "02/01/2004");

@@ -27,6 +27,8 @@ signals:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    // Every entry stands open: no expand marks beside them.
+    void drawBranches(QPainter*, const QRect&, const QModelIndex&) const override {}
 
 private:
     void display(const QString& folder);
