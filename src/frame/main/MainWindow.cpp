@@ -8,7 +8,9 @@
 #include "frame/ui/ChildWindows.h"
 #include "frame/ui/ProgramIcon.h"
 #include "frame/ui/AboutDialog.h"
+#include "catalogue/ui/AdjustSecurityDialog.h"
 #include "catalogue/ui/CreateSymbolsDialog.h"
+#include "catalogue/ui/DeleteDataDialog.h"
 #include "catalogue/ui/OpenSecurityDialog.h"
 #include "catalogue/ui/SymbolLookupDialog.h"
 #include "download/ui/DownloaderDialog.h"
@@ -253,11 +255,13 @@ void MainWindow::downloadNseIndex() {
 }
 
 void MainWindow::adjustSymbol() {
-    // Adjust Security is opened here, modally.
+    AdjustSecurityDialog dialog(this);
+    dialog.exec();
 }
 
 void MainWindow::adjustData() {
-    // Delete Data is opened here, modally.
+    DeleteDataDialog dialog(this);
+    dialog.exec();
 }
 
 void MainWindow::convertToCsv() {

@@ -1,0 +1,58 @@
+#include "catalogue/ui/SecurityNames.h"
+
+#include "frame/Failure.h"
+#include "store/SecurityReader.h"
+
+#include <QEvent>
+#include <QListWidget>
+
+void ListSecurityNames(QListWidget* list, const QString& folder) {
+    list->clear();
+    SecurityReader reader;
+    try {
+        reader.OpenFolder(folder);
+        while (reader.GetSecuritiesRemaining() >= 1) {
+            reader.NextSecurity();
+            list->addItem(reader.GetName().trimmed());
+        }
+        reader.CloseFolder();
+    } catch (const Failure&) {
+        passOver([&] { reader.CloseFolder(); });
+    }
+}
+
+namespace {
+
+// Tells a selection moved by a key from one the program moved: a key press arms it, a mouse
+// press or a new listing disarms it.
+class PickWatcher : public QObject {
+public:
+    PickWatcher(QListWidget* list, std::function<void()> picked) : QObject(list), list_(list), picked_(std::move(picked)) {
+        list->installEventFilter(this);
+        list->viewport()->installEventFilter(this);
+        connect(list, &QListWidget::itemClicked, this, [this] { picked_(); });
+        connect(list, &QListWidget::currentRowChanged, this, [this](int row) {
+            if (keying_ && row >= 0)
+                picked_();
+        });
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (watched == list_ && event->type() == QEvent::KeyPress)
+            keying_ = true;
+        else if (watched == list_ && event->type() == QEvent::KeyRelease)
+            keying_ = false;
+        else if (watched == list_->viewport() && event->type() == QEvent::MouseButtonPress)
+            keying_ = false;
+        return false;
+    }
+
+private:
+    QListWidget* list_;
+    std::function<void()> picked_;
+    bool keying_ = false;
+};
+
+} // namespace
+
+void OnSecurityPicked(QListWidget* list, std::function<void()> picked) { new PickWatcher(list, std::move(picked)); }
