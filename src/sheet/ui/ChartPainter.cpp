@@ -36,10 +36,19 @@ void PaintChartSteps(QPaintDevice& picture, const std::vector<ChartStep>& steps,
             painter.fillRect(QRect(QPoint(0, 0), QSize(picture.width(), picture.height())),
                              QColor::fromRgb(step.colour));
             break;
-        case ChartStep::Line:
-            use(step.colour);
-            painter.drawLine(px(step.x1), py(step.y1), px(step.x2), py(step.y2));
+        case ChartStep::Line: {
+            const QPoint from(px(step.x1), py(step.y1));
+            const QPoint to(px(step.x2), py(step.y2));
+            if (from.x() == to.x() || from.y() == to.y()) {
+                // Level and upright lines, the grid and most of a bar or candle, are one-pixel
+                // rectangles, both ends included: the same pixels, filled far faster.
+                painter.fillRect(QRect(from, to).normalized(), QColor::fromRgb(step.colour));
+            } else {
+                use(step.colour);
+                painter.drawLine(from, to);
+            }
             break;
+        }
         case ChartStep::Box:
         case ChartStep::FilledBox: {
             // Both corners belong to the box.
