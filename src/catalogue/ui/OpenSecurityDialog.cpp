@@ -6,6 +6,7 @@
 #include "frame/Platform.h"
 #include "frame/ui/Centring.h"
 #include "frame/ui/ChildWindows.h"
+#include "sheet/ui/ChartWindow.h"
 #include "sheet/ui/DataSheetWindow.h"
 #include "store/SecurityReader.h"
 
@@ -284,21 +285,27 @@ void OpenSecurityDialog::openPicked() {
     }
     hide();
 
-    DataSheetWindow* view = nullptr;
+    // The new window reads the whole security now, while this dialog's reader holds the folder.
+    QWidget* window = nullptr;
     if (!opensChart) {
-        view = new DataSheetWindow;
+        auto view = new DataSheetWindow;
         view->path = folder;
         view->securityName = name;
         view->Symbol = symbol;
         view->setWindowTitle(QStringLiteral("DataSheet of ") + name);
-        // The sheet reads the whole security now, while this dialog's reader holds the folder.
         view->load();
+        window = view;
+    } else {
+        auto chart = new ChartWindow;
+        chart->path = folder;
+        chart->symbol = symbol;
+        chart->setWindowTitle(QStringLiteral("Chart of ") + name);
+        chart->load();
+        window = chart;
     }
-    // A chart (cPath := folder, cSymbol := symbol, "Chart of " + name) is opened here once the chart screen exists.
 
     passOver([&] { r.CloseSecurity(); });
     passOver([&] { r.CloseFolder(); });
     accept();
-    if (view)
-        ShowChildWindow(view);
+    ShowChildWindow(window);
 }

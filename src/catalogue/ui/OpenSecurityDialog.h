@@ -1,6 +1,6 @@
 #pragma once
 // "Open Security": the modal dialog that lists the securities of a data folder and opens the
-// picked one as a new data sheet. The caller sets tChart, then runs exec().
+// picked one as a new data sheet or chart. The caller sets tChart, then runs exec().
 
 #include <QDialog>
 
@@ -19,7 +19,7 @@ public:
     explicit OpenSecurityDialog(QWidget* parent = nullptr);
     ~OpenSecurityDialog() override;
 
-    // False: the pick opens a data sheet. True: it is meant for a chart.
+    // False: the pick opens a data sheet. True: it opens a chart.
     bool opensChart = false;
 
     QLineEdit* folderEdit;          // "Directory": the folder that is listed

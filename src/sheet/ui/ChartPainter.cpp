@@ -1,0 +1,70 @@
+#include "sheet/ui/ChartPainter.h"
+
+#include <QColor>
+#include <QFont>
+#include <QFontMetrics>
+#include <QPaintDevice>
+#include <QPainter>
+#include <QPen>
+
+#include <cmath>
+
+void PaintChartSteps(QPaintDevice& picture, const std::vector<ChartStep>& steps, double twipsPerPixelX,
+                     double twipsPerPixelY, const QFont& font) {
+    QPainter painter(&picture);
+    if (!painter.isActive())
+        return;
+    painter.setFont(font);
+    const int ascent = QFontMetrics(font, &picture).ascent();
+
+    auto px = [&](float x) { return static_cast<int>(std::lround(x / twipsPerPixelX)); };
+    auto py = [&](float y) { return static_cast<int>(std::lround(y / twipsPerPixelY)); };
+
+    // The pen changes only with the colour: a long series is thousands of lines of one colour.
+    quint32 penColour = ChartColour::Foreground;
+    painter.setPen(QPen(QColor::fromRgb(penColour), 0));
+    auto use = [&](quint32 colour) {
+        if (colour != penColour) {
+            penColour = colour;
+            painter.setPen(QPen(QColor::fromRgb(colour), 0));
+        }
+    };
+
+    for (const ChartStep& step : steps) {
+        switch (step.kind) {
+        case ChartStep::Clear:
+            painter.fillRect(QRect(QPoint(0, 0), QSize(picture.width(), picture.height())),
+                             QColor::fromRgb(step.colour));
+            break;
+        case ChartStep::Line: {
+            const QPoint from(px(step.x1), py(step.y1));
+            const QPoint to(px(step.x2), py(step.y2));
+            if (from.x() == to.x() || from.y() == to.y()) {
+                // Level and upright lines, the grid and most of a bar or candle, are one-pixel
+                // rectangles, both ends included: the same pixels, filled far faster.
+                painter.fillRect(QRect(from, to).normalized(), QColor::fromRgb(step.colour));
+            } else {
+                use(step.colour);
+                painter.drawLine(from, to);
+            }
+            break;
+        }
+        case ChartStep::Box:
+        case ChartStep::FilledBox: {
+            // Both corners belong to the box.
+            const QRect box = QRect(QPoint(px(step.x1), py(step.y1)), QPoint(px(step.x2), py(step.y2))).normalized();
+            if (step.kind == ChartStep::FilledBox) {
+                painter.fillRect(box, QColor::fromRgb(step.colour));
+            } else {
+                use(step.colour);
+                painter.drawRect(box.adjusted(0, 0, -1, -1));
+            }
+            break;
+        }
+        case ChartStep::Text:
+            use(step.colour);
+            painter.drawText(QPoint(px(step.x1), py(step.y1) + ascent), step.text);
+            break;
+        }
+    }
+}
