@@ -105,9 +105,10 @@ TEST_F(NseRun, WalksEveryDayToTodayAndTheNextRunGoesOnFromTheLastDayWithData) {
         server.targets.clear();
         platform_.boxes.clear();
 
-        createSymbols({"ABC", "XYZ"}, {2026, 9, 30});
-        serveDay({2026, 10, 1}, bhavRow("ABC", whole(0, 10, 1500)) + bhavRow("XYZ", whole(0, 20, 700)));
-        serveDay({2026, 10, 2}, bhavRow("ABC", whole(0, 11, 1600)));
+        // 01/10/2026 as Create New Symbols writes it: the 1st of October in every locale.
+        createSymbols({"ABC", "XYZ"}, {2026, 10, 1});
+        serveDay({2026, 10, 2}, bhavRow("ABC", whole(0, 10, 1500)) + bhavRow("XYZ", whole(0, 20, 700)));
+        serveDay({2026, 10, 5}, bhavRow("ABC", whole(0, 11, 1600)));
         serveDay({2026, 10, 12}, bhavRow("XYZ", whole(0, 21, 800)));
         serveDay({2026, 10, 27}, bhavRow("ABC", whole(0, 12, 1700)));
         platform_.todayDate = {2026, 10, 31};
@@ -119,9 +120,9 @@ TEST_F(NseRun, WalksEveryDayToTodayAndTheNextRunGoesOnFromTheLastDayWithData) {
 
         const QStringList targets = server.decodedTargets();
         ASSERT_FALSE(targets.isEmpty());
-        EXPECT_EQ(targets[0], "/content/historical/EQUITIES/2026/OCT/cm1OCT2026bhav.csv");
-        EXPECT_EQ(targets, paths({2026, 10, 1}, {2026, 10, 31}));
-        EXPECT_EQ(lines(dlg.daysList), QStringList({updated({2026, 10, 1}), updated({2026, 10, 2}),
+        EXPECT_EQ(targets[0], "/content/historical/EQUITIES/2026/OCT/cm2OCT2026bhav.csv");
+        EXPECT_EQ(targets, paths({2026, 10, 2}, {2026, 10, 31}));
+        EXPECT_EQ(lines(dlg.daysList), QStringList({updated({2026, 10, 2}), updated({2026, 10, 5}),
                                                     updated({2026, 10, 12}), updated({2026, 10, 27})}));
         EXPECT_EQ(dlg.daysList->currentRow(), 3);
         ASSERT_EQ(platform_.boxes.size(), 1);
@@ -130,8 +131,8 @@ TEST_F(NseRun, WalksEveryDayToTodayAndTheNextRunGoesOnFromTheLastDayWithData) {
         EXPECT_EQ(dlg.progressBar->value(), 1);
 
         EXPECT_EQ(storedBars(folder, "ABC"),
-                  QList<StoredBar>({whole(20261001, 10, 1500), whole(20261002, 11, 1600), whole(20261027, 12, 1700)}));
-        EXPECT_EQ(storedBars(folder, "XYZ"), QList<StoredBar>({whole(20261001, 20, 700), whole(20261012, 21, 800)}));
+                  QList<StoredBar>({whole(20261002, 10, 1500), whole(20261005, 11, 1600), whole(20261027, 12, 1700)}));
+        EXPECT_EQ(storedBars(folder, "XYZ"), QList<StoredBar>({whole(20261002, 20, 700), whole(20261012, 21, 800)}));
         // The last day with data, not today: the empty days after it are asked for again.
         EXPECT_EQ(valuesFile(), valuesText({2026, 10, 27}));
 
