@@ -32,7 +32,9 @@ QByteArray ValuesFileText(const QDate& fromDate) {
     return (line + QStringLiteral("\r\n")).toUtf8();
 }
 
-void WriteValuesFile(const QString& folder, const QDate& fromDate) {
+void WriteValuesFile(const QString& folder, const QDate& fromDate) { WriteValuesText(folder, ValuesFileText(fromDate)); }
+
+void WriteValuesText(const QString& folder, const QByteArray& text) {
     const QString path = ValuesFilePath(folder);
     QSaveFile file(path);
     const auto fail = [&] {
@@ -42,7 +44,7 @@ void WriteValuesFile(const QString& folder, const QDate& fromDate) {
     };
     if (!file.open(QIODevice::WriteOnly))
         fail();
-    file.write(ValuesFileText(fromDate));
+    file.write(text);
     if (!file.commit())
         fail();
 }

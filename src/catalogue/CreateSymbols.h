@@ -22,6 +22,9 @@ QByteArray ValuesFileText(const QDate& fromDate);
 
 // Replaces values.dat of `folder` with the from date. Raises Failure when it cannot be written.
 void WriteValuesFile(const QString& folder, const QDate& fromDate);
+// Replaces values.dat of `folder` with `text` as it stands, whole or not at all. Raises Failure
+// when it cannot be written; the old file then stays.
+void WriteValuesText(const QString& folder, const QByteArray& text);
 
 // Makes one empty security per symbol, in list order, each with the from date as its first and
 // last date. A symbol the folder already holds is deleted first, with all its records. Each

@@ -12,4 +12,10 @@ QString yahooQuotes();
 // Points the quotes service elsewhere; empty text restores the default.
 void setYahooQuotes(const QString& endpoint);
 
+// The endpoint of the exchange's archive of daily bhav copies: scheme and host, no path; the NSE
+// run appends "/content/historical/EQUITIES/..." to it.
+QString nseBhavCopies();
+// Points the archive elsewhere; empty text restores the default.
+void setNseBhavCopies(const QString& endpoint);
+
 } // namespace ServiceAddresses

@@ -296,7 +296,8 @@ TEST(MainWindow, MenuEntriesAndToolbarOpenTheirScreens) {
     const struct { const char* entry; int toolbar; const char* caption; bool chart; } cases[] = {
         {"newSymbolAction", 1, "Create New Symbols", false}, {"openDataAction", 2, "Open Security", false},
         {"openChartAction", 3, "Open Security", true},       {"worldExchangesAction", 0, "Downloader", false},
-        {"symbolLookupAction", 0, "Symbol Lookup", false}};
+        {"symbolLookupAction", 0, "Symbol Lookup", false},
+        {"nseIndiaAction", 0, "NSE Downloader", false}};
     for (const auto& c : cases) {
         for (const bool viaToolbar : {false, true}) {
             if (viaToolbar && c.toolbar == 0)

@@ -14,6 +14,7 @@
 #include "catalogue/ui/OpenSecurityDialog.h"
 #include "catalogue/ui/SymbolLookupDialog.h"
 #include "download/ui/DownloaderDialog.h"
+#include "download/ui/NseDownloaderDialog.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -247,7 +248,8 @@ void MainWindow::downloadWorldExchanges() {
 }
 
 void MainWindow::downloadNseIndia() {
-    // The NSE downloader is opened here, modally.
+    NseDownloaderDialog dialog(this);
+    dialog.exec();
 }
 
 void MainWindow::downloadNseIndex() {

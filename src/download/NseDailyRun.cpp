@@ -1,0 +1,141 @@
+#include "download/NseDailyRun.h"
+
+#include "catalogue/CreateSymbols.h"
+#include "download/BhavCopy.h"
+#include "frame/CommonRoutines.h"
+#include "frame/Failure.h"
+#include "frame/Platform.h"
+#include "frame/Regional.h"
+#include "store/SecurityWriter.h"
+
+#include <QFile>
+
+#include <limits>
+
+namespace {
+
+// What values.dat says: the first field of its first line (up to the first comma or the line's
+// end), trimmed. Empty when the file is missing, can't be read or holds nothing.
+QString readValuesText(const QString& folder) {
+    QFile file(CreateSymbols::ValuesFilePath(folder));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QString line = QString::fromUtf8(file.readLine(4096));
+    qsizetype end = 0;
+    while (end < line.size() && line[end] != u',' && line[end] != u'\r' && line[end] != u'\n')
+        ++end;
+    return line.left(end).trimmed();
+}
+
+// The date of values.dat. The file holds the user's short date form once a run has rewritten it,
+// and the day-first form of Create New Symbols before that; where the two could differ (a
+// month-first short pattern) the text is taken in the form it is written in.
+std::optional<QDate> valuesDate(const QString& text) {
+    if (const auto date = Regional::readDate(text); date && Regional::dateText(*date) == text)
+        return date;
+    QString separator = GetDateSeparator();
+    if (separator.isEmpty())
+        separator = QStringLiteral("/");
+    const QDate created = QDate::fromString(text, QStringLiteral("dd%1MM%1yyyy").arg(separator));
+    if (created.isValid())
+        return created;
+    return Regional::readDate(text);
+}
+
+} // namespace
+
+NseDailyRun::NseDailyRun(BhavCopySource& source, NseDailyListener& listener)
+    : source_(source), listener_(listener) {}
+
+NseDailyRun::~NseDailyRun() = default;
+
+SecurityWriter& NseDailyRun::writer() {
+    if (!writer_)
+        writer_ = std::make_unique<SecurityWriter>();
+    return *writer_;
+}
+
+void NseDailyRun::BeginDownload(const QString& folderText) {
+    const QString folder = folderText.trimmed();
+    if (folder.isEmpty()) {
+        MsgBox(QStringLiteral("Data Directory Field is Empty."));
+        return;
+    }
+
+    running_ = true;
+    rowsWritten_ = 0;
+    listener_.runStarted();
+    const auto backToIdle = [this] {
+        StopRequested = false;
+        LeaveRequested = false;
+        running_ = false;
+        listener_.runEnded();
+    };
+
+    const QString valuesText = readValuesText(folder);
+    if (valuesText.isEmpty()) {
+        MsgBox(QStringLiteral("NO Metastock Data Files Found in the Selected Directory."), MsgIcon::Information);
+        backToIdle();
+        return;
+    }
+    const auto start = valuesDate(valuesText);
+    if (!start) {
+        // Never walk from a date that isn't there.
+        MsgBox(QStringLiteral("The date \"%1\" in values.dat can't be read. Nothing was downloaded.").arg(valuesText),
+               MsgIcon::Warning);
+        backToIdle();
+        return;
+    }
+    startDate_ = *start;
+
+    listener_.walkStarted();
+    walk(folder);
+
+    if (rowsWritten_ > 0) {
+        startDate_ = lastUpdated_;
+        // A file that can't be written stays as it was; the run ends as ever.
+        passOver([&] {
+            CreateSymbols::WriteValuesText(folder, (Regional::dateText(startDate_) + QStringLiteral("\r\n")).toUtf8());
+        });
+    }
+    backToIdle();
+    listener_.walkEnded();
+    MsgBox(QStringLiteral("Download Completed."), MsgIcon::Information);
+}
+
+void NseDailyRun::walk(const QString& folder) {
+    // Every calendar day up to today; weekends and holidays are told by their short replies.
+    const qint64 days = startDate_.daysTo(platform().today());
+    for (qint64 i = 1; i <= days; ++i) {
+        currentDate_ = startDate_.addDays(i);
+        const auto rows = source_.FetchDay(currentDate_);
+        if (rows) {
+            lastUpdated_ = currentDate_;
+            writeDay(folder, *rows);
+            listener_.dayUpdated(Regional::dateText(currentDate_) + QStringLiteral(" Updated."));
+            if (StopRequested) {
+                StopRequested = false;
+                break;
+            }
+        }
+        if (LeaveRequested)
+            break;
+    }
+}
+
+void NseDailyRun::writeDay(const QString& folder, const QList<BhavRow>& rows) {
+    // Every failure of a day is passed over: a symbol the folder lacks, a folder that won't open.
+    const qint32 date = Regional::toStoreDate(currentDate_);
+    SecurityWriter& w = writer();
+    passOver([&] { w.OpenFolder(folder); });
+    for (const BhavRow& row : rows) {
+        // A row whose security can't be opened reaches no security.
+        if (passOver([&] { w.OpenSecurity(row.Symbol); }) && row.HasPrices)
+            passOver([&] { w.AddQuote(date, 0, row.Open, row.High, row.Low, row.Close, row.Volume, 0.0); });
+        passOver([&] { w.SaveQuotes(); });
+        passOver([&] { w.CloseSecurity(); });
+        if (rowsWritten_ < std::numeric_limits<qint16>::max())
+            ++rowsWritten_;
+    }
+    passOver([&] { w.CloseFolder(); });
+}

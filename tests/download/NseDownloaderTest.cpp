@@ -1,0 +1,351 @@
+// The NSE Downloader against a loopback stand-in for the exchange's archive: walks over real
+// folders made as Create New Symbols makes them, read back through the store.
+
+#include "DownloadTestKit.h"
+
+#include "catalogue/CreateSymbols.h"
+#include "download/ui/NseDownloaderDialog.h"
+#include "frame/Regional.h"
+
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QTimer>
+#include <QToolButton>
+
+#include <optional>
+
+namespace {
+
+const QByteArray BhavHeader = "SYMBOL,SERIES,OPEN,HIGH,LOW,CLOSE,LAST,PREVCLOSE,TOTTRDQTY,TOTTRDVAL,TIMESTAMP,\n";
+
+// A line of the archive's daily file: eleven columns, each followed by a comma.
+QByteArray bhavRow(const QByteArray& symbol, const StoredBar& b) {
+    const auto n = [](double v) { return QByteArray::number(v); };
+    return symbol + ",EQ," + n(b.open) + ',' + n(b.high) + ',' + n(b.low) + ',' + n(b.close) + ",0,0,"
+           + n(b.volume) + ",0,01-JAN-2000,\n";
+}
+
+// Rows of symbols no folder holds (or all of `symbol`), until the file has at least `size` characters.
+QByteArray filler(QByteArray body, qsizetype size = 2001, const QByteArray& symbol = {}) {
+    for (int i = 1; body.size() < size; ++i)
+        body += bhavRow(symbol.isEmpty() ? "ZZ" + QByteArray::number(i) : symbol, bar(0, 1));
+    return body;
+}
+
+QByteArray bhavCopy(const QByteArray& rows) { return filler(BhavHeader + rows); }
+
+// The address of a day, written out here the long way.
+QString path(const QDate& d) {
+    const QString month = QLocale::c().monthName(d.month(), QLocale::ShortFormat).toUpper();
+    const QString year = QString::number(d.year());
+    return "/content/historical/EQUITIES/" + year + "/" + month + "/cm" + QString::number(d.day()) + month + year + "bhav.csv";
+}
+
+QStringList paths(const QDate& first, const QDate& last) {
+    QStringList out;
+    for (QDate d = first; d <= last; d = d.addDays(1))
+        out << path(d);
+    return out;
+}
+
+// Whole-number prices read alike under every locale.
+StoredBar whole(qint32 date, double price, double volume) { return {date, price, price + 2, price - 1, price + 1, volume}; }
+
+QString updated(const QDate& d) { return Regional::dateText(d) + " Updated."; }
+
+class NseRun : public ::testing::Test {
+protected:
+    NseRun() {
+        ServiceAddresses::setNseBhavCopies(server.endpoint());
+        server.setHandler([this](const QByteArray& target) {
+            const QString decoded = QString::fromLatin1(target);
+            if (onRequest)
+                onRequest(decoded);
+            // Weekends, holidays and days not yet there: the server's short error page.
+            return days.value(decoded, LoopbackReply::withStatus(404, "<html><body>Not Found</body></html>"));
+        });
+    }
+    ~NseRun() override { ServiceAddresses::setNseBhavCopies({}); }
+
+    // Securities and values.dat as Create New Symbols leaves them.
+    void createSymbols(const QStringList& symbols, const QDate& from) {
+        SecurityWriter writer;
+        CreateSymbols::CreateSecurities(writer, folder, symbols, from);
+        CreateSymbols::WriteValuesFile(folder, from);
+    }
+    void serveDay(const QDate& day, const QByteArray& rows) { days[path(day)] = LoopbackReply::ok(bhavCopy(rows)); }
+    QByteArray valuesFile() const { return readFileBytes(CreateSymbols::ValuesFilePath(folder)); }
+    static QByteArray valuesText(const QDate& d) { return (Regional::dateText(d) + "\r\n").toUtf8(); }
+
+    static void expectIdle(const NseDownloaderDialog& dlg) {
+        EXPECT_TRUE(dlg.closeButton->isEnabled());
+        EXPECT_FALSE(dlg.beginDownloadButton->isHidden());
+        EXPECT_TRUE(dlg.stopButton->isHidden());
+        EXPECT_FALSE(dlg.progressTimer->isActive());
+    }
+
+    ScriptedPlatform platform_;
+    TempFolder temp;
+    QString folder = temp.sub("nse");
+    LoopbackHttpServer server;
+    QMap<QString, LoopbackReply> days;
+    std::function<void(const QString&)> onRequest;
+};
+
+// A month with weekends and a few days of data; values.dat in each locale's own short form is
+// read back by the next run, which starts on the day after it.
+TEST_F(NseRun, WalksEveryDayToTodayAndTheNextRunGoesOnFromTheLastDayWithData) {
+    for (const char* locale : {"en_GB", "en_US", "de_DE"}) {
+        SCOPED_TRACE(locale);
+        LocaleGuard guard(locale);
+        TempFolder own;
+        folder = own.sub("nse");
+        days.clear();
+        server.targets.clear();
+        platform_.boxes.clear();
+
+        // 01/10/2026 as Create New Symbols writes it: the 1st of October in every locale.
+        createSymbols({"ABC", "XYZ"}, {2026, 10, 1});
+        serveDay({2026, 10, 2}, bhavRow("ABC", whole(0, 10, 1500)) + bhavRow("XYZ", whole(0, 20, 700)));
+        serveDay({2026, 10, 5}, bhavRow("ABC", whole(0, 11, 1600)));
+        serveDay({2026, 10, 12}, bhavRow("XYZ", whole(0, 21, 800)));
+        serveDay({2026, 10, 27}, bhavRow("ABC", whole(0, 12, 1700)));
+        platform_.todayDate = {2026, 10, 31};
+
+        sharedState().LastFolder = folder;
+        NseDownloaderDialog dlg;
+        EXPECT_EQ(dlg.folderEdit->text(), folder);
+        dlg.beginDownloadButton->click();
+
+        const QStringList targets = server.decodedTargets();
+        ASSERT_FALSE(targets.isEmpty());
+        EXPECT_EQ(targets[0], "/content/historical/EQUITIES/2026/OCT/cm2OCT2026bhav.csv");
+        EXPECT_EQ(targets, paths({2026, 10, 2}, {2026, 10, 31}));
+        EXPECT_EQ(lines(dlg.daysList), QStringList({updated({2026, 10, 2}), updated({2026, 10, 5}),
+                                                    updated({2026, 10, 12}), updated({2026, 10, 27})}));
+        EXPECT_EQ(dlg.daysList->currentRow(), 3);
+        ASSERT_EQ(platform_.boxes.size(), 1);
+        expectBox(platform_.boxes[0], "Download Completed.", "Brindlemark v6");
+        expectIdle(dlg);
+        EXPECT_EQ(dlg.progressBar->value(), 1);
+
+        EXPECT_EQ(storedBars(folder, "ABC"),
+                  QList<StoredBar>({whole(20261002, 10, 1500), whole(20261005, 11, 1600), whole(20261027, 12, 1700)}));
+        EXPECT_EQ(storedBars(folder, "XYZ"), QList<StoredBar>({whole(20261002, 20, 700), whole(20261012, 21, 800)}));
+        // The last day with data, not today: the empty days after it are asked for again.
+        EXPECT_EQ(valuesFile(), valuesText({2026, 10, 27}));
+
+        server.targets.clear();
+        platform_.boxes.clear();
+        serveDay({2026, 11, 2}, bhavRow("XYZ", whole(0, 22, 900)));
+        platform_.todayDate = {2026, 11, 3};
+        dlg.beginDownloadButton->click();
+        EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 28}, {2026, 11, 3}));
+        EXPECT_EQ(lines(dlg.daysList), QStringList({updated({2026, 11, 2})}));
+        EXPECT_EQ(storedBars(folder, "XYZ").size(), 3);
+        EXPECT_EQ(valuesFile(), valuesText({2026, 11, 2}));
+        EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
+    }
+}
+
+// STOP is looked at only after a day with data; the stop is spent when the run is over.
+TEST_F(NseRun, StopTakesEffectAfterTheNextDayWithData) {
+    createSymbols({"ABC"}, {2026, 9, 30});
+    for (int day : {1, 2, 5, 6, 7})
+        serveDay({2026, 10, day}, bhavRow("ABC", bar(0, day)));
+    platform_.todayDate = {2026, 10, 9};
+    NseDownloaderDialog dlg;
+    dlg.show();
+    dlg.folderEdit->setText(folder);
+    bool running = false;
+    onRequest = [&](const QString& target) {
+        if (target != path({2026, 10, 3}))   // a Saturday
+            return;
+        running = !dlg.closeButton->isEnabled() && dlg.beginDownloadButton->isHidden()
+                  && dlg.stopButton->isVisible() && dlg.progressTimer->interval() == 100
+                  && dlg.progressTimer->isActive();
+        dlg.stopButton->click();
+        EXPECT_TRUE(dlg.stopButton->isHidden());
+    };
+    dlg.beginDownloadButton->click();
+
+    EXPECT_TRUE(running);
+    EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 1}, {2026, 10, 5}));
+    EXPECT_EQ(lines(dlg.daysList),
+              QStringList({updated({2026, 10, 1}), updated({2026, 10, 2}), updated({2026, 10, 5})}));
+    EXPECT_EQ(valuesFile(), valuesText({2026, 10, 5}));
+    EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
+    expectIdle(dlg);
+    EXPECT_TRUE(dlg.isVisible());
+
+    onRequest = {};
+    server.targets.clear();
+    dlg.beginDownloadButton->click();
+    EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 6}, {2026, 10, 9}));
+    EXPECT_EQ(lines(dlg.daysList), QStringList({updated({2026, 10, 6}), updated({2026, 10, 7})}));
+    EXPECT_EQ(storedBars(folder, "ABC").size(), 5);
+    EXPECT_EQ(valuesFile(), valuesText({2026, 10, 7}));
+}
+
+// The screen's close box during a run: the day in hand is finished, with or without data, and
+// the screen goes; values.dat names the last day that was written.
+TEST_F(NseRun, ClosingTheScreenEndsTheRunAfterTheDayInHand) {
+    createSymbols({"ABC"}, {2026, 9, 30});
+    for (int day : {1, 2, 5})
+        serveDay({2026, 10, day}, bhavRow("ABC", bar(0, day)));
+    platform_.todayDate = {2026, 10, 9};
+    NseDownloaderDialog dlg;
+    dlg.show();
+    dlg.folderEdit->setText(folder);
+    onRequest = [&](const QString& target) {
+        if (target == path({2026, 10, 3})) {
+            EXPECT_FALSE(dlg.close());
+        }
+    };
+    dlg.beginDownloadButton->click();
+
+    EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 1}, {2026, 10, 3}));
+    EXPECT_EQ(valuesFile(), valuesText({2026, 10, 2}));
+    EXPECT_EQ(storedBars(folder, "ABC"), QList<StoredBar>({bar(20261001, 1), bar(20261002, 2)}));
+    EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
+    EXPECT_FALSE(dlg.isVisible());
+}
+
+// Runs that fetch nothing: each ends with its own box, leaves values.dat as it was and the screen idle.
+TEST_F(NseRun, RunsThatFetchNothing) {
+    const QDate today{2026, 10, 9};
+    const struct {
+        const char* what;
+        QString folderText;
+        std::optional<QByteArray> values;   // none: no values.dat
+        QString box;
+        MsgIcon icon;
+        bool listCleared;
+    } cases[] = {
+        {"blank folder text", "   ", QByteArray("01/10/2026\r\n"), "Data Directory Field is Empty.", MsgIcon::None, false},
+        {"no values.dat", "", std::nullopt, "NO Metastock Data Files Found in the Selected Directory.", MsgIcon::Information, false},
+        {"empty values.dat", "", QByteArray(), "NO Metastock Data Files Found in the Selected Directory.", MsgIcon::Information, false},
+        {"values.dat names today", "", QByteArray("09/10/2026,x\r\n"), "Download Completed.", MsgIcon::Information, true},
+        {"values.dat names a later day", "", QByteArray("12/12/2026\r\n"), "Download Completed.", MsgIcon::Information, true},
+        {"no date in values.dat", "", QByteArray("soon\r\n"),
+         "The date \"soon\" in values.dat can't be read. Nothing was downloaded.", MsgIcon::Warning, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        TempFolder own;
+        folder = own.sub("nse");
+        if (c.values)
+            writeTextFile(CreateSymbols::ValuesFilePath(folder), *c.values);
+        platform_.boxes.clear();
+        platform_.todayDate = today;
+
+        NseDownloaderDialog dlg;
+        dlg.folderEdit->setText(c.folderText.isEmpty() ? " " + folder + " " : c.folderText);
+        dlg.daysList->addItem("an earlier line");
+        dlg.beginDownloadButton->click();
+
+        EXPECT_TRUE(server.targets.isEmpty());
+        ASSERT_EQ(platform_.boxes.size(), 1);
+        EXPECT_EQ(platform_.boxes[0].text, c.box);
+        EXPECT_EQ(platform_.boxes[0].icon, c.icon);
+        EXPECT_EQ(platform_.boxes[0].title, "Brindlemark v6");
+        EXPECT_EQ(lines(dlg.daysList), c.listCleared ? QStringList() : QStringList({"an earlier line"}));
+        EXPECT_EQ(QFileInfo::exists(CreateSymbols::ValuesFilePath(folder)), c.values.has_value());
+        if (c.values) {
+            EXPECT_EQ(valuesFile(), *c.values);
+        }
+        expectIdle(dlg);
+    }
+}
+
+// The one day that has data decides whether values.dat moves: only rows handed to the writer count.
+TEST_F(NseRun, WhatCountsAsADayWithDataAndAsAWrittenRow) {
+    const QByteArray abc = BhavHeader + bhavRow("ABC", bar(0, 7));
+    const struct {
+        const char* what;
+        QByteArray reply;
+        bool listed;
+        bool rewritten;
+        int abcRecords;
+    } cases[] = {
+        {"2,000 characters", filler(abc, 2000).left(2000), false, false, 0},
+        {"2,001 characters", filler(abc, 2000).left(2000) + "x", true, true, 1},
+        {"2,001 characters of anything else", QByteArray(2001, 'x'), true, false, 0},
+        {"only W1 rows", filler(BhavHeader + bhavRow("W1", bar(0, 7)), 2001, " W1 "), true, false, 0},
+        {"only symbols the folder lacks", bhavCopy({}), true, true, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        TempFolder own;
+        folder = own.sub("nse");
+        createSymbols({"ABC", "W1"}, {2026, 10, 4});
+        const QByteArray before = valuesFile();
+        days.clear();
+        days[path({2026, 10, 5})] = LoopbackReply::ok(c.reply);
+        platform_.todayDate = {2026, 10, 6};
+
+        NseDownloaderDialog dlg;
+        dlg.folderEdit->setText(folder);
+        dlg.beginDownloadButton->click();
+
+        EXPECT_EQ(lines(dlg.daysList), c.listed ? QStringList({updated({2026, 10, 5})}) : QStringList());
+        EXPECT_EQ(valuesFile(), c.rewritten ? valuesText({2026, 10, 5}) : before);
+        EXPECT_EQ(storedBars(folder, "ABC").size(), c.abcRecords);
+        EXPECT_TRUE(storedBars(folder, "W1").isEmpty());
+        // A run creates no security.
+        SecurityReader reader;
+        reader.OpenFolder(folder);
+        EXPECT_EQ(reader.GetSecuritiesRemaining(), 2);
+        reader.CloseFolder();
+    }
+}
+
+// Rows of one day: each goes to the security of its trimmed symbol with the day asked for; a row
+// whose numbers don't read, or that ends before its volume, adds nothing; a row of a missing
+// symbol is lost without harm to the next one.
+TEST_F(NseRun, EachRowGoesToItsOwnSecurity) {
+    createSymbols({"ABC", "DUP", "BAD", "AFTER", "SHORT"}, {2026, 10, 4});
+    const QByteArray rows = bhavRow(" ABC ", {0, 10.25, 11.5, 9.75, 10.5, 1234})
+                            + bhavRow("DUP", bar(0, 1)) + bhavRow("MISSING", bar(0, 2)) + bhavRow("AFTER", bar(0, 3))
+                            + bhavRow("DUP", bar(0, 4)) + "BAD,EQ,n/a,2,1,2,0,0,100,0,x,\n";
+    days[path({2026, 10, 5})] = LoopbackReply::ok(filler(BhavHeader + rows) + "SHORT,EQ,1,2,1,2,0,0");
+    platform_.todayDate = {2026, 10, 5};
+
+    NseDownloaderDialog dlg;
+    dlg.folderEdit->setText(folder);
+    dlg.beginDownloadButton->click();
+
+    EXPECT_EQ(storedBars(folder, "ABC"), QList<StoredBar>({{20261005, 10.25, 11.5, 9.75, 10.5, 1234}}));
+    EXPECT_EQ(storedBars(folder, "DUP"), QList<StoredBar>({bar(20261005, 4)}));
+    EXPECT_EQ(storedBars(folder, "AFTER"), QList<StoredBar>({bar(20261005, 3)}));
+    EXPECT_TRUE(storedBars(folder, "BAD").isEmpty());
+    EXPECT_TRUE(storedBars(folder, "SHORT").isEmpty());
+    EXPECT_EQ(valuesFile(), valuesText({2026, 10, 5}));
+}
+
+// The folder comes from LastFolder and the chooser; the bar counts 1..100 on the timer's ticks,
+// and its counter goes on from one run to the next.
+TEST_F(NseRun, FolderChooserAndProgressBar) {
+    sharedState().LastFolder = "/old";
+    NseDownloaderDialog dlg;
+    EXPECT_EQ(dlg.folderEdit->text(), "/old");
+    platform_.chooseNext(" " + folder + " ");
+    dlg.folderButton->click();
+    EXPECT_EQ(platform_.chooserTitles, QStringList({"Select Folder for Download"}));
+    EXPECT_EQ(sharedState().LastFolder, folder);
+
+    for (int i = 0; i < 99; ++i)
+        dlg.tick();
+    EXPECT_EQ(dlg.progressBar->value(), 99);
+    createSymbols({"ABC"}, {2026, 10, 4});
+    platform_.todayDate = {2026, 10, 6};
+    dlg.beginDownloadButton->click();
+    EXPECT_EQ(dlg.progressBar->value(), 1);
+    dlg.tick();
+    EXPECT_EQ(dlg.progressBar->value(), 100);
+    dlg.tick();
+    EXPECT_EQ(dlg.progressBar->value(), 1);
+}
+
+} // namespace
