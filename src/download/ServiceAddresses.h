@@ -12,4 +12,11 @@ QString yahooQuotes();
 // Points the quotes service elsewhere; empty text restores the default.
 void setYahooQuotes(const QString& endpoint);
 
+// The endpoint of the server that holds the archive of index data: scheme and host (and port),
+// no path; the archive lies at IndexArchivePath on it.
+QString nseIndexArchive();
+// Points the index archive elsewhere; empty text restores the default.
+void setNseIndexArchive(const QString& endpoint);
+inline const QString IndexArchivePath = QStringLiteral("/downloads/index.zip");
+
 } // namespace ServiceAddresses

@@ -12,6 +12,7 @@
 #include "catalogue/ui/OpenSecurityDialog.h"
 #include "catalogue/ui/SymbolLookupDialog.h"
 #include "download/ui/DownloaderDialog.h"
+#include "download/ui/NseIndexDialog.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -249,7 +250,8 @@ void MainWindow::downloadNseIndia() {
 }
 
 void MainWindow::downloadNseIndex() {
-    // The NSE index download is opened here, modally.
+    NseIndexDialog dialog(this);
+    dialog.exec();
 }
 
 void MainWindow::adjustSymbol() {
