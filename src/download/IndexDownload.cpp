@@ -22,7 +22,14 @@ QString IndexDownload::ArchivePath() { return QDir(platform().cacheFolder()).fil
 
 qint32 IndexDownload::Run(const QString& folder) {
     const QString url = ArchiveUrl();
-    const QByteArray bytes = connection_.OpenURLBytes(url);
+    QByteArray bytes;
+    try {
+        bytes = connection_.OpenURLBytes(url);
+    } catch (const Failure& failure) {
+        throw Failure(failure.Number,
+                      QStringLiteral("The index data could not be fetched from %1: %2").arg(url, failure.Description),
+                      Source);
+    }
     if (connection_.ResponseCode() != 200)
         throw Failure(FailureNumber::Network,
                       QStringLiteral("The server answered %1 for %2: there is no index data to unpack.")

@@ -171,8 +171,8 @@ TEST_P(IndexScreenFailures, LeaveTheFolderAsItWas) {
 INSTANTIATE_TEST_SUITE_P(Replies, IndexScreenFailures, ::testing::Values(
     FailedRun{"notFound", LoopbackReply::withStatus(404, "<html>Not Found</html>"), false, false, "404"},
     FailedRun{"serverError", LoopbackReply::withStatus(500, "oops"), false, false, "500"},
-    FailedRun{"cutShort", LoopbackReply{200, QByteArray(5000, 'z'), 0, true}, false, false, ""},
-    FailedRun{"serverDown", {}, true, false, ""},
+    FailedRun{"cutShort", LoopbackReply{200, QByteArray(5000, 'z'), 0, true}, false, false, "could not be fetched"},
+    FailedRun{"serverDown", {}, true, false, "could not be fetched from http://127.0.0.1:"},
     FailedRun{"garbage", LoopbackReply::ok("<html>this is not a zip archive</html>"), false, true, ""}),
     [](const auto& param) { return std::string(param.param.label); });
 
