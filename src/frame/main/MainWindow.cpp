@@ -15,6 +15,7 @@
 #include "catalogue/ui/SymbolLookupDialog.h"
 #include "download/ui/DownloaderDialog.h"
 #include "download/ui/NseDownloaderDialog.h"
+#include "download/ui/NseIndexDialog.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -253,7 +254,8 @@ void MainWindow::downloadNseIndia() {
 }
 
 void MainWindow::downloadNseIndex() {
-    // The NSE index download is opened here, modally.
+    NseIndexDialog dialog(this);
+    dialog.exec();
 }
 
 void MainWindow::adjustSymbol() {

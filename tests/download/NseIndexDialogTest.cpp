@@ -1,0 +1,179 @@
+// "NSE Indices Download" against the loopback server: the folder field and its setting, the run
+// with a good archive, a refused one, a garbage body, a dead server, and a second run.
+#include "download/IndexDownload.h"
+#include "download/ServiceAddresses.h"
+#include "download/ui/NseIndexDialog.h"
+#include "support/LoopbackHttpServer.h"
+#include "support/Modal.h"
+#include "support/ScriptedPlatform.h"
+#include "support/TestSupport.h"
+#include "ZipTestKit.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class IndexScreen : public ::testing::Test {
+protected:
+    IndexScreen() { ServiceAddresses::setNseIndexArchive(server.endpoint()); }
+    ~IndexScreen() override { ServiceAddresses::setNseIndexArchive({}); }
+
+    ScriptedPlatform platform;
+    LoopbackHttpServer server;
+    TempFolder root;
+    QString folder = root.sub("index");
+    const QString key = QStringLiteral("Settings/IndexFolder");
+
+    // Opens the screen, types the folder and clicks "Start Download".
+    void run(NseIndexDialog& dialog, const QString& text) {
+        dialog.show();
+        child<QLineEdit>(&dialog, "folderEdit")->setText(text);
+        child<QPushButton>(&dialog, "startDownloadButton")->click();
+    }
+};
+
+const QList<ZipEntry> FirstArchive = {ZipEntry::file("MASTER", QByteArray(53, 'm')),
+                                      ZipEntry::file("F1.DAT", QByteArray(2000, 'd')),
+                                      ZipEntry::file("sub/notes.txt", "first")};
+
+TEST_F(IndexScreen, OpensWithTheRememberedFolderAndItsTexts) {
+    platform.settings[key] = folder;
+    NseIndexDialog dialog;
+    EXPECT_EQ(dialog.windowTitle(), "NSE Indices Download");
+    EXPECT_EQ(child<QLineEdit>(&dialog, "folderEdit")->text(), folder);
+    EXPECT_EQ(child<QLabel>(&dialog, "folderLabel")->text(), "NSE Index Data Folder");
+    EXPECT_EQ(child<QPushButton>(&dialog, "selectFolderButton")->text(), "Select Folder");
+    EXPECT_EQ(child<QPushButton>(&dialog, "startDownloadButton")->text(), "Start Download");
+    EXPECT_EQ(child<QLabel>(&dialog, "noteLabel")->text(),
+              "Use Separate folder for Index Data. No need to create symbols for Indices.");
+    platform.settings.clear();
+    NseIndexDialog fresh;
+    EXPECT_EQ(child<QLineEdit>(&fresh, "folderEdit")->text(), QString());
+}
+
+TEST_F(IndexScreen, OnlyTheFolderChoiceStoresTheSetting) {
+    NseIndexDialog dialog;
+    platform.chooseNext(folder);
+    child<QPushButton>(&dialog, "selectFolderButton")->click();
+    EXPECT_EQ(platform.chooserTitles, QStringList{"Select folder for Index Data"});
+    EXPECT_EQ(child<QLineEdit>(&dialog, "folderEdit")->text(), folder);
+    EXPECT_EQ(platform.settings.value(key), folder);
+    // A cancelled choice empties the field and leaves the setting.
+    child<QPushButton>(&dialog, "selectFolderButton")->click();
+    EXPECT_EQ(child<QLineEdit>(&dialog, "folderEdit")->text(), QString());
+    EXPECT_EQ(platform.settings.value(key), folder);
+    // Typed text is used but not remembered.
+    server.serve(LoopbackReply::ok(makeArchive(FirstArchive)));
+    const QString typed = root.sub("typed");
+    run(dialog, typed);
+    EXPECT_EQ(readFileBytes(typed + "/sub/notes.txt"), "first");
+    EXPECT_EQ(platform.settings.value(key), folder);
+}
+
+TEST_F(IndexScreen, ABlankFieldAsksForAFolderAndDoesNotDownload) {
+    NseIndexDialog dialog;
+    platform.chooseNext(folder);
+    run(dialog, "   ");
+    EXPECT_EQ(platform.boxTexts(), QStringList{"Folder Field Empty."});
+    EXPECT_EQ(platform.boxes[0].icon, MsgIcon::Information);
+    EXPECT_EQ(platform.boxes[0].title, "Brindlemark v6");
+    EXPECT_EQ(platform.chooserTitles.size(), 1);
+    EXPECT_EQ(platform.settings.value(key), folder);
+    EXPECT_TRUE(server.targets.isEmpty());
+    EXPECT_TRUE(dialog.isVisible());
+}
+
+TEST_F(IndexScreen, AGoodArchiveIsKeptUnpackedAndTheScreenCloses) {
+    const QByteArray bytes = makeArchive(FirstArchive);
+    NseIndexDialog* seen = nullptr;
+    QString captionWhileFetching;
+    bool enabledWhileFetching = true;
+    server.setHandler([&](const QByteArray&) {
+        auto* button = seen->findChild<QPushButton*>("startDownloadButton");
+        captionWhileFetching = button->text();
+        enabledWhileFetching = button->isEnabled();
+        return LoopbackReply::ok(bytes);
+    });
+    NseIndexDialog dialog;
+    seen = &dialog;
+    run(dialog, folder);
+    EXPECT_EQ(server.targets, QList<QByteArray>{"/downloads/index.zip"});
+    EXPECT_EQ(captionWhileFetching, "Downloading....");
+    EXPECT_FALSE(enabledWhileFetching);
+    EXPECT_EQ(platform.boxTexts(), QStringList{"Download Complete."});
+    EXPECT_EQ(platform.boxes[0].icon, MsgIcon::Information);
+    EXPECT_EQ(tree(folder), (QStringList{"F1.DAT", "MASTER", "sub", "sub/notes.txt"}));
+    EXPECT_EQ(readFileBytes(IndexDownload::ArchivePath()), bytes);
+    EXPECT_EQ(QFileInfo(IndexDownload::ArchivePath()).absolutePath(), QFileInfo(platform.cacheDir.path()).absoluteFilePath());
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+}
+
+TEST_F(IndexScreen, ASecondRunOverwritesWithoutAskingAndAShorterArchiveLeavesNoTrace) {
+    {
+        server.serve(LoopbackReply::ok(makeArchive(FirstArchive)));
+        NseIndexDialog dialog;
+        run(dialog, folder);
+    }
+    const QByteArray shorter = makeArchive({ZipEntry::file("sub/notes.txt", "second")});
+    server.serve(LoopbackReply::ok(shorter));
+    platform.boxes.clear();
+    NseIndexDialog dialog;
+    run(dialog, folder);
+    EXPECT_EQ(platform.boxTexts(), QStringList{"Download Complete."});
+    EXPECT_EQ(readFileBytes(folder + "/sub/notes.txt"), "second");
+    EXPECT_EQ(readFileBytes(folder + "/MASTER"), QByteArray(53, 'm'));   // unpacked over, not cleared
+    EXPECT_EQ(readFileBytes(IndexDownload::ArchivePath()), shorter);
+}
+
+struct FailedRun {
+    const char* label;
+    LoopbackReply reply;
+    bool deadServer;
+    bool completes;        // the run ends with "Download Complete." and the screen closes
+    const char* boxSays;   // otherwise: part of the failure box's text
+};
+
+class IndexScreenFailures : public IndexScreen, public ::testing::WithParamInterface<FailedRun> {};
+
+TEST_P(IndexScreenFailures, LeaveTheFolderAsItWas) {
+    const FailedRun& c = GetParam();
+    writeTextFile(folder + "/MASTER", "kept");
+    if (c.deadServer)
+        ServiceAddresses::setNseIndexArchive(QStringLiteral("http://127.0.0.1:%1").arg(LoopbackHttpServer::deadPort()));
+    else
+        server.serve(c.reply);
+    NseIndexDialog dialog;
+    run(dialog, folder);
+    EXPECT_EQ(tree(folder), QStringList{"MASTER"});
+    EXPECT_EQ(readFileBytes(folder + "/MASTER"), "kept");
+    ASSERT_EQ(platform.boxes.size(), 1);
+    auto* button = child<QPushButton>(&dialog, "startDownloadButton");
+    if (c.completes) {
+        // The archive's own trouble is the extraction's: the run ends as any other.
+        EXPECT_EQ(platform.boxes[0].text, "Download Complete.");
+        EXPECT_FALSE(dialog.isVisible());
+    } else {
+        EXPECT_TRUE(platform.boxes[0].text.contains(c.boxSays)) << platform.boxes[0].text.toStdString();
+        EXPECT_FALSE(platform.boxes[0].text.isEmpty());
+        EXPECT_EQ(platform.boxes[0].icon, MsgIcon::Critical);
+        EXPECT_TRUE(dialog.isVisible());
+        EXPECT_TRUE(button->isEnabled());
+        EXPECT_EQ(button->text(), "Start Download");
+        EXPECT_FALSE(QFileInfo::exists(IndexDownload::ArchivePath()));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Replies, IndexScreenFailures, ::testing::Values(
+    FailedRun{"notFound", LoopbackReply::withStatus(404, "<html>Not Found</html>"), false, false, "404"},
+    FailedRun{"serverError", LoopbackReply::withStatus(500, "oops"), false, false, "500"},
+    FailedRun{"cutShort", LoopbackReply{200, QByteArray(5000, 'z'), 0, true}, false, false, "could not be fetched"},
+    FailedRun{"serverDown", {}, true, false, "could not be fetched from http://127.0.0.1:"},
+    FailedRun{"garbage", LoopbackReply::ok("<html>this is not a zip archive</html>"), false, true, ""}),
+    [](const auto& param) { return std::string(param.param.label); });
+
+} // namespace
