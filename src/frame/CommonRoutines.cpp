@@ -6,6 +6,7 @@
 #include "frame/Regional.h"
 
 #include <QFile>
+#include <QStringDecoder>
 
 #include <cmath>
 
@@ -169,6 +170,28 @@ private:
     qsizetype pos_ = 0;
 };
 
+// The text of the symbol list: UTF-8 when the bytes are valid UTF-8, else the Windows code page
+// (1252) that a spreadsheet saves in, so that accented names show as they were typed.
+QString symbolsText(const QByteArray& bytes) {
+    QStringDecoder utf8(QStringConverter::Utf8);
+    QString text = utf8.decode(bytes);
+    if (!utf8.hasError())
+        return text;
+    // 0x80..0x9F of Windows-1252; the other bytes are those of Latin-1. Unassigned ones stay as
+    // their C1 control.
+    static const char16_t high[32] = {
+        0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+        0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+        0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+    text.clear();
+    text.reserve(bytes.size());
+    for (const char byte : bytes) {
+        const auto b = static_cast<unsigned char>(byte);
+        text += QChar(b >= 0x80 && b < 0xA0 ? high[b - 0x80] : char16_t(b));
+    }
+    return text;
+}
+
 } // namespace
 
 void ReadSymbolsFile() {
@@ -180,7 +203,7 @@ void ReadSymbolsFile() {
     QFile file(ownFileForReading(QStringLiteral("symbols.csv")));
     if (!file.open(QIODevice::ReadOnly))
         return;   // a missing or unreadable list leaves it empty
-    ItemReader reader(QString::fromUtf8(file.readAll()));
+    ItemReader reader(symbolsText(file.readAll()));
     file.close();
 
     while (!reader.atEnd()) {

@@ -209,7 +209,33 @@ std::optional<QDate> readByFields(const QString& text) {
 
 } // namespace
 
-QString shortDatePattern() { return QLocale().dateFormat(QLocale::ShortFormat); }
+QString shortDatePattern() {
+    // A two-digit year ("yy") becomes four digits: date text that the program writes and reads
+    // back never changes its century.
+    const QString pattern = QLocale().dateFormat(QLocale::ShortFormat);
+    QString expanded;
+    bool quoted = false;
+    for (qsizetype i = 0; i < pattern.size();) {
+        const QChar c = pattern.at(i);
+        if (c == u'\'') {
+            quoted = !quoted;
+            expanded += c;
+            ++i;
+            continue;
+        }
+        if (quoted || c != u'y') {
+            expanded += c;
+            ++i;
+            continue;
+        }
+        qsizetype run = 0;
+        while (i + run < pattern.size() && pattern.at(i + run) == u'y')
+            ++run;
+        expanded += QString(run < 4 ? 4 : run, u'y');
+        i += run;
+    }
+    return expanded;
+}
 
 QString dateSeparator() {
     const QString pattern = shortDatePattern();

@@ -14,7 +14,8 @@ class QLocale;
 namespace Regional {
 
 // The short date pattern of the user's regional settings, in the letters d, M and y (as
-// "dd/MM/yyyy" or "M/d/yy"). Every date conversion follows it.
+// "dd/MM/yyyy" or "M/d/yyyy"), with the year always in four digits ("M/d/yy" gives "M/d/yyyy").
+// Every date conversion follows it.
 QString shortDatePattern();
 // The date separator: the first character of the short pattern that is not a field letter,
 // empty when the pattern has none.

@@ -49,14 +49,12 @@ QString SheetRows::cell(int row, int column) const {
 }
 
 std::optional<QDate> SheetRows::rowDate(int row) const {
-    const auto read = Regional::readDate(cell(row, DateColumn).trimmed());
-    if (!read)
+    if (row < 0 || row >= rowCount())
         return std::nullopt;
-    const QDate own = Regional::fromStoreDate(rows_[static_cast<size_t>(row)].date);
-    if (own.isValid() && own.month() == read->month() && own.day() == read->day() &&
-        own.year() % 100 == read->year() % 100)
-        return own;
-    return read;
+    const QDate date = Regional::fromStoreDate(rows_[static_cast<size_t>(row)].date);
+    if (!date.isValid())
+        return std::nullopt;
+    return date;
 }
 
 void SheetRows::clear() {

@@ -3,8 +3,8 @@
 // volume). These rows are the sheet's only copy of its records. A row keeps the record's date
 // and values and gives them as the texts the user reads: the date text of the store date, the
 // prices in the pattern "####0.00" and the volume as plain number text; a row whose values the
-// user has changed shows all five as plain number text. The record dialog reads a record back
-// from these texts.
+// user has changed shows all five as plain number text. A row is known to the store by its own
+// store date, never by the text it shows.
 //
 // The texts are made when a cell is asked for, so a long security costs no text at all for the
 // rows that are never shown.
@@ -38,9 +38,8 @@ public:
 
     // The text of a cell as the sheet shows it; empty outside the rows.
     QString cell(int row, int column) const;
-    // The date a row's date cell names: its text read back under the user's date rules; empty when
-    // the text reads as no date. Where the short pattern has a two-digit year ("1/2/25"), the
-    // record's own century is kept, so that the text can't name a record of another century.
+    // The date of a row's record, from its store date; empty outside the rows or for a store date
+    // that is no date.
     std::optional<QDate> rowDate(int row) const;
     // Removes every row.
     void clear();

@@ -21,10 +21,12 @@ const QString Title = QStringLiteral("Brindlemark v6");
 const QString ChooserTitle = QStringLiteral("Select Folder to Stoder the Symbols and Data");
 const QString Success = QStringLiteral("Securities are created successfully.");
 
-// Types a symbol into New Symbol and presses OK (or Close).
+// Types a symbol into New Symbol key by key and presses OK (or Close).
 void typeSymbol(CreateSymbolsDialog& dialog, const QString& text, bool ok = true) {
     onNextModal([text, ok](QWidget* prompt) {
-        child<QLineEdit>(prompt, QStringLiteral("symbolEdit"))->setText(text);
+        auto* box = child<QLineEdit>(prompt, QStringLiteral("symbolEdit"));
+        box->setFocus();
+        QTest::keyClicks(box, text);
         child<QPushButton>(prompt, ok ? QStringLiteral("okButton") : QStringLiteral("closeButton"))->click();
     });
     dialog.newSymbolButton->click();
@@ -191,8 +193,11 @@ TEST_F(CreateNewSymbols, TheListTakesTypedAndPickedSymbols) {
     EXPECT_EQ(handOvers().NewSymbol, QString());
     typeSymbol(dialog, QStringLiteral("    "));                // blank, OK
     typeSymbol(dialog, QString());                             // empty, OK
-    typeSymbol(dialog, QStringLiteral("\t ccc d "));
-    EXPECT_EQ(lines(dialog.symbolsList), (QStringList{"AAA", "ccc d"}));
+    typeSymbol(dialog, QStringLiteral("  ccc d "));
+    // The store takes 14 characters: a fifteenth can't be typed, blanks round the symbol aside.
+    typeSymbol(dialog, QStringLiteral(" FIFTEEN.CHARS.X "));
+    EXPECT_EQ(lines(dialog.symbolsList), (QStringList{"AAA", "ccc d", "FIFTEEN.CHARS."}));
+    dialog.symbolsList->takeItem(2);
     const auto lookup = [&](bool select) {
         onNextModal([select](QWidget* shown) {
             child<QListWidget>(shown, QStringLiteral("namesList"))->item(2)->setSelected(true);
@@ -209,9 +214,16 @@ TEST_F(CreateNewSymbols, TheListTakesTypedAndPickedSymbols) {
 TEST_F(CreateNewSymbols, AFailureHalfwayKeepsWhatWasMadeAndTheList) {
     const QString folder = temp.sub(QStringLiteral("halfway"));
     const QString tooLong = QStringLiteral("FIFTEEN.CHARS.X");   // the store takes 14 characters
+    loadSymbolList(services, "G," + tooLong.toUtf8() + ",Too long for the store\n");
     {
         CreateSymbolsDialog dialog;
-        create(dialog, folder, {QStringLiteral("FIRST"), tooLong, QStringLiteral("THIRD")});
+        typeSymbol(dialog, QStringLiteral("FIRST"));
+        onNextModal([](QWidget* shown) {   // a symbol of the list is taken as it stands
+            child<QListWidget>(shown, QStringLiteral("namesList"))->item(0)->setSelected(true);
+            child<QPushButton>(shown, QStringLiteral("selectButton"))->click();
+        });
+        dialog.symbolLookupButton->click();
+        create(dialog, folder, {QStringLiteral("THIRD")});
         ASSERT_EQ(services.boxes.size(), 1);   // the store's description, no icon
         EXPECT_TRUE(services.boxes[0].text.contains(tooLong) && services.boxes[0].icon == MsgIcon::None);
         EXPECT_NE(dialog.result(), QDialog::Accepted);

@@ -90,6 +90,9 @@ TEST_F(OpenSecurity, LoadListsTheLastFolderAndClickAndOpenGivesAFilledSheet) {
     EXPECT_FALSE(beta.at(2).isEmpty()) << "file name";
     EXPECT_EQ(beta.at(3), DateToText(series(5).back().date));
     EXPECT_EQ(dialog->securityEdit->text(), "Alpha Mining") << "Load picks the first row";
+    // The Symbol column shows a symbol of the store's full 14 characters whole, with its margins.
+    const int widest = dialog->securitiesList->fontMetrics().horizontalAdvance(QStringLiteral("MMMMMMMMMMMMMM"));
+    EXPECT_GE(dialog->securitiesList->columnWidth(1), widest + 12);
 
     clickRow(*dialog, 1);
     EXPECT_EQ(dialog->securityEdit->text(), "Beta Foods");
@@ -119,6 +122,12 @@ TEST_F(OpenSecurity, EnterAndDoubleClickInTheListOpen) {
     QTest::keyClick(dialog->securitiesList, Qt::Key_B);
     EXPECT_EQ(dialog->securityEdit->text(), "Alpha Mining");
     EXPECT_EQ(dialog->securitiesList->currentItem()->text(0), "Beta Foods");
+    // An arrow key picks the row it moves to: what is highlighted is what opens.
+    QTest::keyClick(dialog->securitiesList, Qt::Key_Down);
+    EXPECT_EQ(dialog->securityEdit->text(), "Gamma Rail");
+    QTest::keyClick(dialog->securitiesList, Qt::Key_Up);
+    EXPECT_EQ(dialog->securityEdit->text(), "Beta Foods");
+    EXPECT_EQ(dialog->securitiesList->selectedItems().value(0)->text(0), "Beta Foods");
     QTest::keyClick(dialog->securitiesList, Qt::Key_Return);
 
     clickRow(*shown(), 0, true);
@@ -141,16 +150,20 @@ TEST_F(OpenSecurity, BrowseAndEnterInTheFolderBoxRelist) {
     EXPECT_EQ(names(*dialog), QStringList{"Zeta Bank"});
     EXPECT_EQ(sharedState().LastFolder, second.path());
     EXPECT_EQ(dialog->securityEdit->text(), "Alpha Mining") << "Browse doesn't pick";
+    EXPECT_TRUE(dialog->securitiesList->selectedItems().isEmpty()) << "no row highlights a security that won't open";
 
     dialog->folderEdit->setText(temp.path());
     dialog->browseButton->click();   // the chooser is cancelled
     EXPECT_EQ(dialog->folderEdit->text(), temp.path());
     EXPECT_EQ(names(*dialog).size(), 3);
     EXPECT_EQ(sharedState().LastFolder, temp.path());
+    ASSERT_EQ(dialog->securitiesList->selectedItems().size(), 1);
+    EXPECT_EQ(dialog->securitiesList->selectedItems()[0]->text(0), "Alpha Mining") << "the picked row highlighted";
 
     dialog->folderEdit->setText("  " + second.path() + " ");
     QTest::keyClick(dialog->folderEdit, Qt::Key_Return);
     EXPECT_EQ(names(*dialog), QStringList{"Zeta Bank"});
+    EXPECT_TRUE(dialog->securitiesList->selectedItems().isEmpty());
     EXPECT_EQ(sharedState().LastFolder, temp.path());
     EXPECT_TRUE(dialog->isVisible()) << "Enter belongs to the folder box, not to a button";
     QTest::keyClick(dialog->folderEdit, Qt::Key_X);   // other keys just type

@@ -8,6 +8,7 @@
 
 #include <QLabel>
 #include <QProgressBar>
+#include <QScrollBar>
 #include <QTimer>
 
 namespace {
@@ -29,6 +30,19 @@ protected:
 
     const QString folder = temp.sub("data");
 };
+
+// The list of results keeps its newest line in view as the run goes on.
+TEST_F(DownloadRunScreen, TheListFollowsItsNewestLine) {
+    for (int i = 1; i <= 40; ++i)
+        addItem(QStringLiteral("U%1").arg(i), {2026, 11, 22});   // up to date: no request
+    DownloadProgressWindow dlg;
+    dlg.load();   // shows the window and runs
+    QApplication::processEvents();
+    ASSERT_EQ(dlg.resultsList->count(), 40);
+    const QRect last = dlg.resultsList->visualItemRect(dlg.resultsList->item(39));
+    EXPECT_TRUE(dlg.resultsList->viewport()->rect().contains(last)) << last.y();
+    EXPECT_GT(dlg.resultsList->verticalScrollBar()->value(), 0);
+}
 
 TEST_F(DownloadRunScreen, UpToDateDownloadedNoDataAndNoConnection) {
     const QList<StoredBar> october = {bar(20261001, 20)}, upd = {bar(20261120, 5), bar(20261122, 6)};

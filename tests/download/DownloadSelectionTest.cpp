@@ -100,6 +100,10 @@ TEST_F(Downloader, BrowseAddRemoveAndRemoveAll) {
 
     dlg.removeFolderButton->click();   // no row selected
     EXPECT_EQ(dlg.foldersList->topLevelItemCount(), 3);
+    dlg.foldersList->selectionModel()->setCurrentIndex(   // the focus on a row that isn't selected
+        dlg.foldersList->model()->index(2, 0), QItemSelectionModel::NoUpdate);
+    dlg.removeFolderButton->click();
+    EXPECT_EQ(dlg.foldersList->topLevelItemCount(), 3);
     dlg.foldersList->setCurrentItem(dlg.foldersList->topLevelItem(1));
     dlg.removeFolderButton->click();
     EXPECT_EQ(rows(dlg.foldersList), QStringList({"/data/one", "/data/two\\"}));

@@ -52,6 +52,9 @@ TEST(ReadSymbolsFile, ReadsEntriesWithTheRulesOfCommaSeparatedText) {
         {"unterminated quote", "A,B,\"never closed\nC,D,E\n", {{"A", "B", "never closed\nC,D,E"}}},
         {"every line is an entry", "Group,Symbol,Name\nA,B,C\n", {{"Group", "Symbol", "Name"}, {"A", "B", "C"}}},
         {"byte-order mark, UTF-8", "\xEF\xBB\xBF" "DE,NESN.SW,Nestlé S.A.\n", {{"DE", "NESN.SW", "Nestlé S.A."}}},
+        {"Windows-1252, as a spreadsheet saves it", "DE,NESN.SW,Nestl\xE9 S.A.\nFR,OR.PA,L\x92Or\xE9" "al \x80\n",
+         {{"DE", "NESN.SW", "Nestlé S.A."}, {"FR", "OR.PA", "L’Oréal €"}}},
+        {"UTF-8 without a mark", "FR,OR.PA,L’Oréal €\n", {{"FR", "OR.PA", "L’Oréal €"}}},
         {"empty file", "", {}},
         {"only blank lines", "\n\n  \n", {}},
         {"missing file", nullptr, {}},
@@ -86,6 +89,18 @@ TEST(ReadSymbolsFile, ShippedListHoldsItsGroupsTogether) {
     }
     EXPECT_EQ(groups, (QStringList{"NSE India - NIFTY 50", "Dow Jones Industrial Average", "Indices"}));
     EXPECT_NE(std::find(entries.begin(), entries.end(), Entry{"Dow Jones Industrial Average", "AMZN", "Amazon.com, Inc."}),
+              entries.end());
+    // The NIFTY 50 as it stands, and the index under its present name.
+    QStringList nifty;
+    for (const Entry& e : entries)
+        if (e.group == "NSE India - NIFTY 50")
+            nifty << e.symbol;
+    EXPECT_EQ(nifty.size(), 50);
+    for (const char* in : {"INDIGO.NS", "MAXHEALTH.NS", "TMPV.NS", "ETERNAL.NS", "JIOFIN.NS"})
+        EXPECT_TRUE(nifty.contains(in)) << in;
+    for (const char* out : {"HEROMOTOCO.NS", "INDUSINDBK.NS", "TATAMOTORS.NS"})
+        EXPECT_FALSE(nifty.contains(out)) << out;
+    EXPECT_NE(std::find(entries.begin(), entries.end(), Entry{"Indices", "^BSESN", "BSE SENSEX (BSE India)"}),
               entries.end());
 }
 

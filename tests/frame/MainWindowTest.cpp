@@ -20,6 +20,7 @@
 #include <QScreen>
 #include <QTest>
 #include <QToolBar>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -35,6 +36,17 @@ struct Frame {
     std::unique_ptr<MainWindow> window;
     ScriptedPlatform& platform_;
 };
+
+// A menu caption as the user reads it: "&&" shows "&", a single "&" marks the next letter.
+QString seen(const QString& caption) {
+    QString out;
+    for (qsizetype i = 0; i < caption.size(); ++i) {
+        if (caption[i] == u'&' && i + 1 < caption.size())
+            ++i;
+        out += caption[i];
+    }
+    return out;
+}
 
 // One menu entry as "name|caption|short cut", indented by its depth; separators show "-".
 void walk(QMenu* menu, int depth, QStringList& out) {
@@ -164,8 +176,8 @@ TEST(MainWindow, WindowMenuListsTheChildWindowsAndActivatesThePickedOne) {
     Frame f(p);
     f->show();
     QApplication::setActiveWindow(f.window.get());
-    // The same security twice gives two windows with the same caption.
-    for (const char* caption : {"DataSheet of INFOSYS", "DataSheet of INFOSYS", "Chart of TCS"}) {
+    // The same security twice gives two windows with the same caption; an "&" is part of a caption.
+    for (const char* caption : {"DataSheet of INFOSYS", "DataSheet of INFOSYS", "Chart of M&M.NS"}) {
         auto* w = new QWidget;
         w->setWindowTitle(QString::fromLatin1(caption));
         w->resize(200, 120);
@@ -175,12 +187,12 @@ TEST(MainWindow, WindowMenuListsTheChildWindowsAndActivatesThePickedOne) {
         f->refreshWindowList();
         QStringList texts;
         for (QAction* a : f->windowMenu->actions())
-            texts << a->text() + (a->isChecked() ? QStringLiteral(" *") : QString());
+            texts << seen(a->text()) + (a->isChecked() ? QStringLiteral(" *") : QString());
         return texts;
     };
-    EXPECT_EQ(listed(), (QStringList{"DataSheet of INFOSYS", "DataSheet of INFOSYS", "Chart of TCS *"}));
+    EXPECT_EQ(listed(), (QStringList{"DataSheet of INFOSYS", "DataSheet of INFOSYS", "Chart of M&M.NS *"}));
     f->windowMenu->actions()[0]->trigger();
-    EXPECT_EQ(listed(), (QStringList{"DataSheet of INFOSYS *", "DataSheet of INFOSYS", "Chart of TCS"}));
+    EXPECT_EQ(listed(), (QStringList{"DataSheet of INFOSYS *", "DataSheet of INFOSYS", "Chart of M&M.NS"}));
     for (QMdiSubWindow* sub : f->childArea->subWindowList())   // a child keeps the size its screen gave it
         EXPECT_GE(sub->widget()->size().width(), 200);
     f->childArea->subWindowList(QMdiArea::CreationOrder)[1]->close();
@@ -188,10 +200,41 @@ TEST(MainWindow, WindowMenuListsTheChildWindowsAndActivatesThePickedOne) {
     EXPECT_EQ(listed().size(), 2);   // a closed window leaves the list
 }
 
+// Child windows of a sheet's size open wholly inside the area, each one cascaded from the one
+// before it, starting again at the corner once the next step would reach past the area.
+TEST(MainWindow, ChildWindowsOpenInsideTheAreaCascaded) {
+    ScriptedPlatform p;
+    Frame f(p);
+    f->resize(1024, 720);
+    f->show();
+    QApplication::processEvents();
+    const QRect area = f->childArea->viewport()->rect();
+    QList<QPoint> places;
+    for (const QSize size : {QSize(720, 520), QSize(720, 520), QSize(720, 520), QSize(720, 520), QSize(720, 520),
+                             QSize(720, 520), QSize(720, 520), QSize(2000, 1500)}) {
+        auto* w = new QWidget;
+        w->resize(size);
+        ShowChildWindow(w);
+        QApplication::processEvents();
+        QMdiSubWindow* sub = f->childArea->subWindowList(QMdiArea::CreationOrder).last();
+        EXPECT_TRUE(area.contains(sub->geometry())) << places.size() << ": " << sub->geometry().x() << ','
+                                                    << sub->geometry().y() << ' ' << sub->width() << 'x' << sub->height();
+        places << sub->pos();
+    }
+    EXPECT_EQ(places[0], QPoint(0, 0));
+    const int step = places[1].x();
+    EXPECT_GT(step, 0);
+    EXPECT_EQ(places[1], QPoint(step, step));
+    for (qsizetype i = 1; i < places.size(); ++i)
+        EXPECT_TRUE(places[i] == places[i - 1] + QPoint(step, step) || places[i] == QPoint(0, 0)) << i;
+    EXPECT_GE(places.count(QPoint(0, 0)), 3) << "the cascade starts again";
+    EXPECT_EQ(places.last(), QPoint(0, 0)) << "a window as large as the area stands at its corner";
+}
+
 TEST(MainWindow, StatusBarShowsTitleKeysAndTodaysDate) {
     ScriptedPlatform p;
     p.todayDate = QDate(2026, 11, 3);
-    for (const auto& [locale, date] : {std::pair{"en_GB", "03/11/2026"}, std::pair{"en_US", "11/3/26"}}) {
+    for (const auto& [locale, date] : {std::pair{"en_GB", "03/11/2026"}, std::pair{"en_US", "11/3/2026"}}) {
         LocaleGuard l(QString::fromLatin1(locale));
         Frame f(p);
         EXPECT_EQ(f->titlePanel->text(), QStringLiteral("Brindlemark v6 - ") + WebLinks::MakerLine);
@@ -205,10 +248,14 @@ TEST(MainWindow, KeyPanelsFollowInsertAndCapsLock) {
     ScriptedPlatform p;
     Frame f(p);
     f->show();
-    auto* target = new QWidget(f->childArea);   // a widget that leaves keys to its parents
+    QApplication::setActiveWindow(f.window.get());
+    QWindow* target = f->windowHandle();   // keys come in through the window, as the user's do
+    ASSERT_NE(target, nullptr);
     EXPECT_FALSE(f->insertPanel->isEnabled() || f->capsPanel->isEnabled());
     const struct { int key; Qt::KeyboardModifiers modifiers; bool ins, caps; } presses[] = {  // key < 128: a letter
-        {Qt::Key_Insert, {}, true, false}, {Qt::Key_Insert, {}, false, false}, {Qt::Key_CapsLock, {}, false, true},
+        {Qt::Key_Insert, {}, true, false}, {Qt::Key_Insert, {}, false, false}, {Qt::Key_Insert, {}, true, false},
+        {Qt::Key_Insert, {}, false, false}, {Qt::Key_CapsLock, {}, false, true}, {Qt::Key_CapsLock, {}, false, false},
+        {Qt::Key_CapsLock, {}, false, true},
         {'a', {}, false, false},                  // a small letter without Shift: caps is off
         {'A', {}, false, true},                   // a capital without Shift: caps is on
         {'A', Qt::ShiftModifier, false, false}};  // a capital with Shift: off

@@ -24,8 +24,8 @@ TEST(DateToText, FollowsThePatternOfTheRegionalSettings) {
         // No date, under every setting.
         {"en_GB", 0, "N/A"}, {"en_US", 0, "N/A"}, {"de_DE", 0, "N/A"}, {"ja_JP", 0, "N/A"}, {"C", 0, "N/A"},
         // Day first, month first, year first.
-        {"en_GB", 20050806, "06/08/2005"}, {"en_US", 20050806, "8/6/05"}, {"en_US", 19300101, "1/1/30"},
-        {"de_DE", 20050806, "06.08.05"},   {"ja_JP", 20050806, "2005/08/06"}, {"C", 20050806, "6 Aug 2005"},
+        {"en_GB", 20050806, "06/08/2005"}, {"en_US", 20050806, "8/6/2005"}, {"en_US", 20300101, "1/1/2030"},
+        {"de_DE", 20050806, "06.08.2005"}, {"de_DE", 20310215, "15.02.2031"}, {"ja_JP", 20050806, "2005/08/06"}, {"C", 20050806, "6 Aug 2005"},
         // Other patterns: ISO order, single-digit fields, separators that do not stand between
         // every pair of fields, a trailing separator.
         {"sv_SE", 20050806, "2005-08-06"}, {"fi_FI", 20000229, "29.2.2000"},
@@ -41,8 +41,9 @@ TEST(DateToText, FollowsThePatternOfTheRegionalSettings) {
 
 TEST(DateToText, ReadsBackToTheSameDateInEveryLocale) {
     ScriptedPlatform p;
-    const qint32 dates[] = {20050806, 20050608, 19991231, 20000229, 19300101, 20291231, 20120110};
-    for (const char* name : {"en_GB", "en_US", "de_DE", "ja_JP", "C", "fr_FR", "ko_KR", "nl_NL", "sv_SE", "fi_FI", "sk_SK", "hu_HU"}) {
+    const qint32 dates[] = {20050806, 20050608, 19991231, 20000229, 19300101, 20291231, 20120110,
+                            20300101, 20991231, 19291231, 18991231};
+    for (const char* name : {"en_GB", "en_US", "de_DE", "en_IN", "ja_JP", "C", "fr_FR", "ko_KR", "nl_NL", "sv_SE", "fi_FI", "sk_SK", "hu_HU"}) {
         LocaleGuard locale(QString::fromLatin1(name));
         for (qint32 d : dates) {
             const QString text = DateToText(d);
@@ -56,7 +57,8 @@ TEST(DateToText, ReadsBackToTheSameDateInEveryLocale) {
 TEST(DateToText, SeparatorAndPatternComeFromTheRegionalSettings) {
     ScriptedPlatform p;
     const struct { const char* locale; const char* sep; const char* pattern; } cases[] = {
-        {"en_GB", "/", "dd/MM/yyyy"}, {"en_US", "/", "M/d/yy"}, {"de_DE", ".", "dd.MM.yy"},
+        {"en_GB", "/", "dd/MM/yyyy"}, {"en_US", "/", "M/d/yyyy"}, {"de_DE", ".", "dd.MM.yyyy"},
+        {"en_IN", "/", "dd/MM/yyyy"},
         {"ja_JP", "/", "yyyy/MM/dd"}, {"nl_NL", "-", "dd-MM-yyyy"}};
     for (const auto& c : cases) {
         LocaleGuard locale(QString::fromLatin1(c.locale));

@@ -6,15 +6,17 @@
 
 #include "frame/CommonRoutines.h"
 #include "frame/Regional.h"
+#include "sheet/ui/DateBox.h"
 #include "sheet/ui/RecordDialog.h"
 #include "support/Modal.h"
 
-#include <QDateEdit>
 #include <QDir>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableView>
 #include <QTest>
+
+#include <algorithm>
 
 using namespace sheettest;
 
@@ -67,10 +69,10 @@ const QStringList GbSecond = {"05/08/2005", "0.00", "0.13", "0.00", "10.00", "0"
 INSTANTIATE_TEST_SUITE_P(
     Locales, DataSheetLocales,
     ::testing::Values(LocaleCase{"en_GB", GbFirst, GbSecond, "08/08/2005", 1, "Daily"},
-                      LocaleCase{"en_US", {"8/4/05", "1234.50", "1240.00", "1230.25", "1240.00", "1500"},
-                                 {"8/5/05", "0.00", "0.13", "0.00", "10.00", "0"}, "8/8/05", 2, "Weekly"},
-                      LocaleCase{"de_DE", {"04.08.05", "1234,50", "1240,00", "1230,25", "1240,00", "1500"},
-                                 {"05.08.05", "0,00", "0,13", "0,00", "10,00", "0"}, "08.08.05", 3, "Monthly"},
+                      LocaleCase{"en_US", {"8/4/2005", "1234.50", "1240.00", "1230.25", "1240.00", "1500"},
+                                 {"8/5/2005", "0.00", "0.13", "0.00", "10.00", "0"}, "8/8/2005", 2, "Weekly"},
+                      LocaleCase{"de_DE", {"04.08.2005", "1234,50", "1240,00", "1230,25", "1240,00", "1500"},
+                                 {"05.08.2005", "0,00", "0,13", "0,00", "10,00", "0"}, "08.08.2005", 3, "Monthly"},
                       LocaleCase{"en_GB", GbFirst, GbSecond, "08/08/2005", 4, "4"}),
     [](const ::testing::TestParamInfo<LocaleCase>& param) {
         return std::string(param.param.locale) + "_" + std::to_string(param.param.code);
@@ -144,27 +146,45 @@ protected:
     }
 
     // What the dialog showed as it came up (date text, then the five boxes), whether its date could
-    // be changed, whether it stayed up after the button and what its boxes held then.
+    // be changed, whether it stayed up after the button and what its boxes held then; the box that
+    // Tab went to from the date, and the date box's text when it was left.
     QStringList shown, after;
     bool pickerEnabled = true, stillUp = false;
+    QString tabbedTo;   // objectName of the box Tab went to
+    QString dateLeftAs;
 
-    // When the record dialog comes up: set the date if valid, type the values (a null string leaves
-    // a box), press the button; a dialog that stays up is then closed.
-    void whenDialogUp(QDate date, QStringList values, const char* button = "applyButton") {
+    // When the record dialog comes up: type the date as a user does, key by key over what the box
+    // holds, and leave the box with Tab (a null string leaves the date); type the values (a null
+    // string leaves a box); press the button. A dialog that stays up is then closed.
+    void whenDialogUp(QString typedDate, QStringList values, const char* button = "applyButton") {
         onNextModal([=, this](QWidget* w) {
             auto dialog = qobject_cast<RecordDialog*>(w);
             ASSERT_NE(dialog, nullptr);
             EXPECT_EQ(dialog->windowTitle(), "Change Record");
             QLineEdit* boxes[] = {dialog->openEdit, dialog->highEdit, dialog->lowEdit, dialog->closeEdit, dialog->volumeEdit};
-            shown = {Regional::dateText(dialog->dateEdit->date())};
+            shown = {dialog->dateEdit->text()};
             for (QLineEdit* box : boxes)
                 shown << box->text();
             pickerEnabled = dialog->dateEdit->isEnabled();
-            if (date.isValid())
-                dialog->dateEdit->setDate(date);
-            for (int i = 0; i < values.size(); ++i)
-                if (!values[i].isNull())
-                    boxes[i]->setText(values[i]);
+            tabbedTo.clear();
+            if (!typedDate.isNull()) {
+                QApplication::setActiveWindow(dialog);   // the dialog has the keyboard, as on screen
+                dialog->dateEdit->setFocus();
+                QTest::keyClick(dialog->dateEdit, Qt::Key_A, Qt::ControlModifier);
+                QTest::keyClick(dialog->dateEdit, Qt::Key_Delete);
+                QTest::keyClicks(dialog->dateEdit, typedDate);
+                QTest::keyClick(dialog->dateEdit, Qt::Key_Tab);
+                tabbedTo = dialog->focusWidget() ? dialog->focusWidget()->objectName() : QString();
+                dateLeftAs = dialog->dateEdit->text();
+            }
+            for (int i = 0; i < values.size(); ++i) {
+                if (values[i].isNull())
+                    continue;
+                boxes[i]->setFocus();
+                QTest::keyClick(boxes[i], Qt::Key_A, Qt::ControlModifier);
+                QTest::keyClick(boxes[i], Qt::Key_Delete);
+                QTest::keyClicks(boxes[i], values[i]);
+            }
             child<QPushButton>(dialog, button)->click();
             stillUp = dialog->isVisible();
             after.clear();
@@ -178,7 +198,7 @@ protected:
 
 TEST_F(RecordEdit, InsertPutsANewDateIntoTheStoreAndReloadsTheSheet) {
     platform.todayDate = QDate(2026, 3, 9);
-    whenDialogUp(QDate(2005, 8, 6), {"20.5", "21", "19.75", "20", "4500"});
+    whenDialogUp("06/08/2005", {"20.5", "21", "19.75", "20", "4500"});
     progress.log->calls.clear();
     view->insertButton->click();
 
@@ -193,19 +213,63 @@ TEST_F(RecordEdit, InsertPutsANewDateIntoTheStoreAndReloadsTheSheet) {
     EXPECT_EQ(view->selectedRow(), 3);
     EXPECT_EQ(progress.log->calls.first(), "Show") << "the load ran again with its progress window";
 
-    whenDialogUp(QDate(2005, 8, 1), {"1", "2", "0.5", "1.5", "10"});   // before the first date
+    whenDialogUp("1/8/05", {"1", "2", "0.5", "1.5", "10"});   // before the first date
     view->insertButton->click();
     EXPECT_EQ(view->firstDateEdit->text(), "01/08/2005");
     EXPECT_EQ(view->rows()->cell(0, 0), "01/08/2005");
     EXPECT_EQ(readBack(temp.path(), "ABC").front().date, 20050801);
 
     const auto before = readBack(temp.path(), "ABC");   // a date the security holds changes nothing
-    whenDialogUp(QDate(2005, 8, 5), {"99", "99", "99", "99", "99"});
+    whenDialogUp("05/08/2005", {"99", "99", "99", "99", "99"});
     view->insertButton->click();
     ASSERT_EQ(platform.boxes.size(), 1);
     expectBox(0, "Date Already Exist.", MsgIcon::Information);
     EXPECT_EQ(readBack(temp.path(), "ABC"), before);
     EXPECT_EQ(cells(*view, 2), (QStringList{"05/08/2005", "11.00", "13.00", "10.00", "12.00", "2000"}));
+}
+
+// A date typed key by key into a fresh Insert, in the forms users type dates in, is the date
+// stored; Tab leaves the date box for the open box, and the box then shows the date it read.
+TEST_F(RecordEdit, ATypedDateIsTheDateStored) {
+    const struct { const char* locale; const char* typed; qint32 stored; const char* shownAs; } cases[] = {
+        {"en_GB", "05/01/2004", 20040105, "05/01/2004"}, {"en_GB", "5-1-04", 20040105, "05/01/2004"},
+        {"en_GB", "2004-01-05", 20040105, "05/01/2004"}, {"en_GB", "5 Jan 2031", 20310105, "05/01/2031"},
+        {"en_US", "05/01/2004", 20040501, "5/1/2004"},   {"en_US", "January 5, 2004", 20040105, "1/5/2004"},
+        {"en_US", "12/31/2035", 20351231, "12/31/2035"},
+        {"de_DE", "25.02.2005", 20050225, "25.02.2005"}, {"de_DE", "5.1.04", 20040105, "05.01.2004"},
+        {"de_DE", "5. Januar 2004", 20040105, "05.01.2004"},
+    };
+    platform.todayDate = QDate(2026, 11, 23);
+    for (const auto& c : cases) {
+        LocaleGuard locale(c.locale);
+        TempFolder folder;
+        makeSecurity(folder.path(), "ABC", "Abc Ltd", Records);
+        auto sheet = loadedSheet(folder.path(), "ABC", "Abc Ltd");
+        whenDialogUp(QString::fromUtf8(c.typed), {"1", "2", "1", "2", "10"});
+        sheet->insertButton->click();
+        EXPECT_EQ(dateLeftAs, c.shownAs) << c.locale << ' ' << c.typed;
+        EXPECT_EQ(tabbedTo, "openEdit") << c.locale << ' ' << c.typed;
+        EXPECT_TRUE(platform.boxes.isEmpty()) << platform.boxTexts().join('|').toStdString();
+        std::vector<qint32> dates;
+        for (const Rec& r : readBack(folder.path(), "ABC"))
+            dates.push_back(r.date);
+        EXPECT_NE(std::find(dates.begin(), dates.end(), c.stored), dates.end()) << c.locale << ' ' << c.typed;
+        EXPECT_EQ(dates.size(), 4u) << c.locale << ' ' << c.typed;
+        platform.boxes.clear();
+    }
+}
+
+// A date box that reads as no date keeps the dialog up with a message; nothing is stored.
+TEST_F(RecordEdit, ApplyRefusesATypedTextThatIsNoDate) {
+    for (const char* typed : {"31/02/2004", "05/13/2004", "tomorrow", ""}) {
+        platform.boxes.clear();
+        whenDialogUp(QString::fromUtf8(typed), {"1", "2", "1", "2", "10"});
+        view->insertButton->click();
+        EXPECT_TRUE(stillUp) << typed;
+        ASSERT_EQ(platform.boxes.size(), 1) << typed;
+        expectBox(0, "Please Enter a Valid Date.", MsgIcon::Information);
+    }
+    EXPECT_EQ(readBack(temp.path(), "ABC"), Records);
 }
 
 // "&Apply" refuses a blank or a word and keeps the dialog up with what was typed; "&Close" then
@@ -218,7 +282,7 @@ TEST_F(RecordEdit, ApplyRefusesIncompleteOrNonNumericFields) {
     };
     for (const auto& c : cases) {
         platform.boxes.clear();
-        whenDialogUp(QDate(2005, 8, 9), c.typed);
+        whenDialogUp("09/08/2005", c.typed);
         view->insertButton->click();
         EXPECT_TRUE(stillUp) << c.message;
         EXPECT_EQ(after, c.typed);
@@ -232,7 +296,7 @@ TEST_F(RecordEdit, ApplyRefusesIncompleteOrNonNumericFields) {
 // A double click on a row changes it; the new values show as plain number text until the next load.
 TEST_F(RecordEdit, ChangeOfARowWritesPlainNumbersUntilTheNextLoad) {
     const QPoint at = view->recordsView->visualRect(view->rows()->index(1, 2)).center();
-    whenDialogUp({}, {"11", "13", "10", "99.5", "1500"});
+    whenDialogUp(QString(), {"11", "13", "10", "99.5", "1500"});
     QTest::mouseClick(view->recordsView->viewport(), Qt::LeftButton, {}, at);
     QTest::mouseDClick(view->recordsView->viewport(), Qt::LeftButton, {}, at);
 
@@ -244,7 +308,7 @@ TEST_F(RecordEdit, ChangeOfARowWritesPlainNumbersUntilTheNextLoad) {
     view->load();
     EXPECT_EQ(cells(*view, 1), (QStringList{"05/08/2005", "11.00", "13.00", "10.00", "99.50", "1500"}));
 
-    whenDialogUp({}, {"1", "1", "1", "1", "1"}, "closeButton");   // "&Close" changes nothing
+    whenDialogUp(QString(), {"1", "1", "1", "1", "1"}, "closeButton");   // "&Close" changes nothing
     view->changeButton->click();
     EXPECT_EQ(cells(*view, 2).at(4), "13.00");
     EXPECT_EQ(readBack(temp.path(), "ABC")[2], Records[2]);
@@ -279,13 +343,13 @@ TEST_F(RecordEdit, WritesThatFailShowTheStoresDescriptionOrEndSilently) {
     const QString moved = temp.path() + "-gone";   // the store can't be opened for writing
     ASSERT_TRUE(QDir().rename(temp.path(), moved));
 
-    whenDialogUp(QDate(2005, 8, 9), {"1", "1", "1", "1", "1"});
+    whenDialogUp("09/08/2005", {"1", "1", "1", "1", "1"});
     view->insertButton->click();
     expectBox(0, QString(), MsgIcon::Warning, "Brindlemark v6");
     EXPECT_EQ(view->rows()->rowCount(), 3) << "the list isn't reloaded";
 
     view->recordsView->selectRow(0);
-    whenDialogUp({}, {"5", "5", "5", "5", "5"});
+    whenDialogUp(QString(), {"5", "5", "5", "5", "5"});
     view->changeButton->click();
     expectBox(1, QString(), MsgIcon::Warning, "Brindlemark v6");
     EXPECT_EQ(cells(*view, 0), (QStringList{"04/08/2005", "10.00", "12.00", "9.00", "11.00", "1000"}));
@@ -301,8 +365,8 @@ TEST_F(RecordEdit, WritesThatFailShowTheStoresDescriptionOrEndSilently) {
 // Dates shown month first with two-digit years, and numbers typed with a decimal comma.
 TEST_F(RecordEdit, ChangeAndDeleteUnderOtherLocales) {
     const struct { const char* locale; const char* dateText; QStringList typed; } cases[] = {
-        {"en_US", "8/5/05", {"11.25", "13", "10", "12.5", "2500"}},
-        {"de_DE", "05.08.05", {"11,25", "13", "10", "12,5", "2500"}},
+        {"en_US", "8/5/2005", {"11.25", "13", "10", "12.5", "2500"}},
+        {"de_DE", "05.08.2005", {"11,25", "13", "10", "12,5", "2500"}},
     };
     for (const auto& c : cases) {
         LocaleGuard locale(c.locale);
@@ -311,7 +375,7 @@ TEST_F(RecordEdit, ChangeAndDeleteUnderOtherLocales) {
         auto sheet = loadedSheet(folder.path(), "ABC", "Abc Ltd");
 
         sheet->recordsView->selectRow(1);
-        whenDialogUp({}, c.typed);
+        whenDialogUp(QString(), c.typed);
         sheet->changeButton->click();
         EXPECT_EQ(shown.at(0), c.dateText);
         EXPECT_EQ(cells(*sheet, 1).mid(1), c.typed) << c.locale;
@@ -326,25 +390,37 @@ TEST_F(RecordEdit, ChangeAndDeleteUnderOtherLocales) {
     }
 }
 
-// Under a pattern with two-digit years two records a century apart show the same date text;
-// Change and Delete still reach the record of the row, never its namesake of the other century.
-TEST_F(RecordEdit, TwoDigitYearsNeverReachARecordOfAnotherCentury) {
-    LocaleGuard locale("en_US");
-    const Rec old{19250102, 1, 2, 0.5, 1.5, 100}, recent{20250102, 10, 20, 5, 15, 1000};
-    makeSecurity(temp.path(), "DJ", "Dow 1925", {old, recent});
-    auto sheet = loadedSheet(temp.path(), "DJ", "Dow 1925");
-    ASSERT_EQ(cells(*sheet, 0).at(0), cells(*sheet, 1).at(0));   // both "1/2/25"
+// Date text in digits of other scripts, and negative prices as Arabic locales write them: Change
+// and Delete reach the row's own record all the same, and a Change that leaves the boxes as they
+// came takes back the values shown.
+TEST_F(RecordEdit, ChangeAndDeleteReachTheRowsOwnRecordInAnyLocale) {
+    const std::vector<Rec> records = {{19250102, -1.5, 2, -2.25, -1, 100}, {20250102, 10, 20, 5, 15, 1000},
+                                      {20300315, 1, 2, 0.5, 1.5, 5}};
+    for (const char* name : {"ccp", "ff_Adlm", "ar_EG", "ar_SA", "en_US"}) {
+        LocaleGuard locale(name);
+        TempFolder folder;
+        makeSecurity(folder.path(), "DJ", "Dow", records);
+        auto sheet = loadedSheet(folder.path(), "DJ", "Dow");
+        platform.boxes.clear();
 
-    sheet->recordsView->selectRow(0);
-    whenDialogUp({}, {"3", "4", "2", "3.5", "300"});
-    sheet->changeButton->click();
-    const Rec changed{19250102, 3, 4, 2, 3.5, 300};
-    EXPECT_EQ(readBack(temp.path(), "DJ"), (std::vector<Rec>{changed, recent}));
+        sheet->recordsView->selectRow(0);
+        whenDialogUp(QString(), {"3", "4", "2", "3", "300"});
+        sheet->changeButton->click();
+        const Rec changed{19250102, 3, 4, 2, 3, 300};
+        EXPECT_EQ(readBack(folder.path(), "DJ"), (std::vector<Rec>{changed, records[1], records[2]})) << name;
 
-    sheet->recordsView->selectRow(0);
-    platform.answerNextBox(MsgAnswer::Yes);
-    sheet->deleteButton->click();
-    EXPECT_EQ(readBack(temp.path(), "DJ"), (std::vector<Rec>{recent}));
+        sheet->recordsView->selectRow(1);
+        whenDialogUp(QString(), {});
+        sheet->changeButton->click();
+        EXPECT_FALSE(stillUp) << name << ' ' << platform.boxTexts().join('|').toStdString();
+        EXPECT_EQ(readBack(folder.path(), "DJ"), (std::vector<Rec>{changed, records[1], records[2]})) << name;
+
+        sheet->recordsView->selectRow(2);
+        platform.answerNextBox(MsgAnswer::Yes);
+        sheet->deleteButton->click();
+        EXPECT_EQ(platform.boxes.last().text, "Record Deleted.") << name;
+        EXPECT_EQ(readBack(folder.path(), "DJ"), (std::vector<Rec>{changed, records[1]})) << name;
+    }
 }
 
 } // namespace

@@ -2,12 +2,28 @@
 
 #include "frame/ProgramState.h"
 #include "frame/ui/Centring.h"
+#include "store/MetaStockFormat.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QValidator>
+
+namespace {
+
+// Keeps out, as it is typed or pasted, a symbol longer than the store takes; blanks round it
+// don't count, since the symbol is taken trimmed.
+class SymbolLengthValidator : public QValidator {
+public:
+    using QValidator::QValidator;
+    State validate(QString& input, int&) const override {
+        return input.trimmed().size() > metastock::MaxSymbolLength ? Invalid : Acceptable;
+    }
+};
+
+} // namespace
 
 NewSymbolDialog::NewSymbolDialog(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("NewSymbolDialog"));
@@ -18,6 +34,7 @@ NewSymbolDialog::NewSymbolDialog(QWidget* parent) : QDialog(parent) {
     symbolLabel->setObjectName(QStringLiteral("symbolLabel"));
     symbolEdit = new QLineEdit(this);
     symbolEdit->setObjectName(QStringLiteral("symbolEdit"));
+    symbolEdit->setValidator(new SymbolLengthValidator(symbolEdit));
     symbolLabel->setBuddy(symbolEdit);
     okButton = new QPushButton(QStringLiteral("OK"), this);
     okButton->setObjectName(QStringLiteral("okButton"));

@@ -41,7 +41,7 @@ OpenSecurityDialog::OpenSecurityDialog(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("OpenSecurityDialog"));
     setWindowTitle(QStringLiteral("Open Security"));
     setModal(true);
-    resize(620, 440);
+    resize(700, 440);
 
     folderEdit = new QLineEdit(this);
     folderEdit->setObjectName(QStringLiteral("folderEdit"));
@@ -65,7 +65,8 @@ OpenSecurityDialog::OpenSecurityDialog(QWidget* parent) : QDialog(parent) {
                                 QStringLiteral("File Name"), QStringLiteral("Last Date")});
     securitiesList->header()->setStretchLastSection(true);
     securitiesList->setColumnWidth(0, 230);
-    securitiesList->setColumnWidth(1, 110);
+    // The Symbol column takes the longest symbol the store holds (14 characters) whole.
+    securitiesList->setColumnWidth(1, securitiesList->fontMetrics().horizontalAdvance(QString(14, u'W')) + 16);
     securitiesList->setColumnWidth(2, 90);
 
     openButton = new QPushButton(QStringLiteral("&Open"), this);
@@ -154,6 +155,11 @@ bool OpenSecurityDialog::eventFilter(QObject* watched, QEvent* event) {
             securitiesKeyTyped(key);
         if (key == EnterKey)
             return true;
+    } else if (watched == securitiesList && event->type() == QEvent::KeyRelease) {
+        // A key that types nothing (arrows, Page Up, Home, End) has moved the selection by now:
+        // the row it leaves highlighted is the one picked, so what shows is what opens.
+        if (keyAscii(static_cast<QKeyEvent*>(event)) == 0)
+            pickSecurity();
     } else if (watched == securitiesList->viewport()) {
         if (event->type() == QEvent::MouseButtonRelease)
             securityClicked();
@@ -193,9 +199,18 @@ void OpenSecurityDialog::listSecurities() {
         throw;
     }
     r.CloseFolder();
-    // As in any list, the first row stands selected once the list is filled.
-    if (QTreeWidgetItem* first = securitiesList->topLevelItem(0))
-        securitiesList->setCurrentItem(first);
+    // The row of the security that stands picked is highlighted, when this folder holds it;
+    // otherwise no row is, so that the highlight never shows a security other than the one
+    // that would open.
+    const QString picked = securityEdit->text().trimmed();
+    for (QTreeWidgetItem* item : std::as_const(items)) {
+        if (!picked.isEmpty() && item->text(0).trimmed() == picked) {
+            securitiesList->setCurrentItem(item);
+            return;
+        }
+    }
+    securitiesList->setCurrentItem(nullptr);
+    securitiesList->clearSelection();
 }
 
 void OpenSecurityDialog::pickSecurity() {
@@ -213,6 +228,9 @@ void OpenSecurityDialog::load() {
     } catch (const Failure&) {
         return;
     }
+    // As in any list, the first row stands selected once the list is filled, and is picked.
+    if (QTreeWidgetItem* first = securitiesList->topLevelItem(0))
+        securitiesList->setCurrentItem(first);
     pickSecurity();
 }
 

@@ -169,7 +169,10 @@ void DownloadProgressWindow::recordRange(int maximum) {
 
 void DownloadProgressWindow::recordProgress(int value) { recordsBar->setValue(value); }
 
-void DownloadProgressWindow::lineAdded(const QString& line) { resultsList->addItem(line); }
+void DownloadProgressWindow::lineAdded(const QString& line) {
+    resultsList->addItem(line);
+    resultsList->scrollToBottom();   // the newest line stays in view
+}
 
 void DownloadProgressWindow::countersChanged(qint16 completed, qint16 upToDate, qint16 noData) {
     completedCount = completed;

@@ -212,10 +212,11 @@ void DownloaderDialog::addFolder() {
 }
 
 void DownloaderDialog::removeFolder() {
-    QTreeWidgetItem* selected = foldersList->currentItem();
-    if (!selected)
+    // Only a selected row is removed: the row that merely has the focus is not.
+    const QList<QTreeWidgetItem*> selected = foldersList->selectedItems();
+    if (selected.isEmpty())
         return;
-    delete selected;
+    delete selected.first();
     if (foldersList->topLevelItemCount() == 0)
         securitiesList->clear();
 }

@@ -20,6 +20,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMdiArea>
@@ -28,7 +29,10 @@
 #include <QPointer>
 #include <QStatusBar>
 #include <QStyle>
+#include <QTimer>
 #include <QToolBar>
+
+#include <optional>
 
 namespace {
 
@@ -199,6 +203,12 @@ void MainWindow::buildStatusBar() {
     statusLine->setSizeGripEnabled(true);
     showKeyStates();
     showToday();
+    // The date panel turns over at midnight: the calendar is looked at once a minute.
+    auto* dayWatch = new QTimer(this);
+    dayWatch->setObjectName(QStringLiteral("dayWatch"));
+    dayWatch->setInterval(60 * 1000);
+    connect(dayWatch, &QTimer::timeout, this, &MainWindow::showToday);
+    dayWatch->start();
 }
 
 void MainWindow::load() {
@@ -312,7 +322,8 @@ void MainWindow::refreshWindowList() {
     const QList<QMdiSubWindow*> windows = childArea->subWindowList(QMdiArea::CreationOrder);
     for (int i = 0; i < windows.size(); ++i) {
         QMdiSubWindow* window = windows[i];
-        QAction* action = windowMenu->addAction(window->windowTitle());
+        // The caption as it stands: an "&" in it is text, not the mark of a short cut.
+        QAction* action = windowMenu->addAction(QString(window->windowTitle()).replace(u'&', QStringLiteral("&&")));
         action->setObjectName(QStringLiteral("windowListAction%1").arg(i + 1));
         action->setCheckable(true);
         action->setChecked(window == active);
@@ -330,7 +341,11 @@ void MainWindow::showKeyStates() {
     capsPanel->setEnabled(capsOn_);
 }
 
-void MainWindow::showToday() { datePanel->setText(Regional::dateText(platform().today())); }
+void MainWindow::showToday() {
+    const QString today = Regional::dateText(platform().today());
+    if (datePanel->text() != today)
+        datePanel->setText(today);
+}
 
 void MainWindow::changeEvent(QEvent* event) {
     // The date panel follows the calendar and the regional settings.
@@ -339,26 +354,46 @@ void MainWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
 }
 
+namespace {
+
+// The Caps Lock state that the platform sends with a key, where it sends one. X11 gives the
+// modifier state before the key, Lock among it (so the Caps Lock key itself turns it over);
+// Windows gives its own Caps Lock flag, already turned over by the key. Empty elsewhere.
+std::optional<bool> capsLockOf(const QKeyEvent* key) {
+    const QString name = QGuiApplication::platformName();
+    if (name == QLatin1String("xcb")) {
+        constexpr quint32 LockMask = 0x2;
+        const bool on = (key->nativeModifiers() & LockMask) != 0;
+        return key->key() == Qt::Key_CapsLock ? !on : on;
+    }
+    if (name == QLatin1String("windows")) {
+        constexpr quint32 CapsLockFlag = 0x100;
+        return (key->nativeModifiers() & CapsLockFlag) != 0;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
-    // Qt does not report the lock keys' states, so the panels follow what the keyboard sends:
-    // Insert toggles the insert mode, Caps Lock toggles caps, and a typed letter shows whether
-    // caps is on (a capital without Shift, or a small letter with it).
-    if (event->type() == QEvent::KeyPress && watched->isWidgetType()) {
+    // Every key the user presses reaches the program once through the window that has the focus,
+    // before it goes to a widget and on to its parents: it is counted there. Caps shows the
+    // platform's own lock state where the platform sends it; elsewhere it follows the keys: Caps
+    // Lock turns it over, and a typed letter shows whether it is on (a capital without Shift, or a
+    // small letter with it). Insert turns the insert mode over; no platform keeps that state.
+    if (event->type() == QEvent::KeyPress && watched->isWindowType()) {
         const auto* key = static_cast<QKeyEvent*>(event);
-        // A key the focus widget leaves goes on to its parents: count it once.
-        const bool passedOn = event == lastKey_ && lastKeyTarget_ &&
-                              static_cast<QWidget*>(watched)->isAncestorOf(lastKeyTarget_);
-        lastKey_ = event;
-        lastKeyTarget_ = static_cast<QWidget*>(watched);
-        if (!passedOn && !key->isAutoRepeat()) {
+        if (!key->isAutoRepeat()) {
             const bool shift = key->modifiers().testFlag(Qt::ShiftModifier);
-            if (key->key() == Qt::Key_Insert) {
+            const QString text = key->text();
+            if (key->key() == Qt::Key_Insert)
                 insertOn_ = !insertOn_;
+            if (const auto locked = capsLockOf(key)) {
+                capsOn_ = *locked;
             } else if (key->key() == Qt::Key_CapsLock) {
                 capsOn_ = !capsOn_;
-            } else if (key->text().size() == 1 && key->text().at(0).isLetter() &&
-                       key->text().at(0).isUpper() != key->text().at(0).isLower()) {
-                capsOn_ = key->text().at(0).isUpper() != shift;
+            } else if (text.size() == 1 && text.at(0).isLetter() && text.at(0).isUpper() != text.at(0).isLower()) {
+                capsOn_ = text.at(0).isUpper() != shift;
             }
             showKeyStates();
         }

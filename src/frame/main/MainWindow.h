@@ -105,8 +105,6 @@ private:
     void showKeyStates();
     void showToday();
 
-    const QEvent* lastKey_ = nullptr;
-    QPointer<QWidget> lastKeyTarget_;
     bool insertOn_ = false;
     bool capsOn_ = false;
 };

@@ -5,7 +5,8 @@
 class QWidget;
 class QMdiArea;
 
-// Shows `window` as a child window of the main window; the window is deleted when it closes.
+// Shows `window` as a child window of the main window, wholly inside its area and cascaded from
+// the windows already open; the window is deleted when it closes.
 void ShowChildWindow(QWidget* window);
 // The area child windows go into; the main window installs its own, nullptr removes it.
 void SetChildWindowArea(QMdiArea* area);

@@ -5,9 +5,9 @@
 #include "sheet/RecordEdits.h"
 #include "sheet/SheetLoad.h"
 #include "sheet/SheetRows.h"
+#include "sheet/ui/DateBox.h"
 #include "sheet/ui/RecordDialog.h"
 
-#include <QDateEdit>
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -17,6 +17,7 @@
 #include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QPushButton>
+#include <QShowEvent>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -163,6 +164,15 @@ void DataSheetWindow::resizeEvent(QResizeEvent* event) {
     layoutControls();
 }
 
+void DataSheetWindow::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (event->spontaneous())
+        return;
+    const int row = selectedRow();
+    if (row >= 0)
+        recordsView->scrollTo(rows_->index(row, 0), QAbstractItemView::PositionAtBottom);
+}
+
 void DataSheetWindow::closeSheet() {
     // Inside the main window the sheet stands in a sub-window, which is what closes.
     if (auto sub = qobject_cast<QMdiSubWindow*>(parentWidget()))
@@ -194,8 +204,7 @@ void DataSheetWindow::changeRecord() {
     if (row < 0)
         return;
 
-    // The record is known by the date its row shows; a date text that can't be read back
-    // can't name a record, and nothing is done.
+    // The record is known by its store date, whatever its date text looks like.
     const auto date = rows_->rowDate(row);
     if (!date)
         return;
@@ -232,7 +241,7 @@ void DataSheetWindow::deleteRecord() {
     try {
         const auto date = rows_->rowDate(row);
         if (!date)
-            return;   // a date text that names no date: nothing to delete
+            return;   // a store date that is no date: nothing to delete
         DeleteRecord(folderEdit->text(), symbolEdit->text(), *date);
     } catch (const Failure&) {
         return;

@@ -49,6 +49,8 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    // Brings the selected row into view once the sheet has its size on screen.
+    void showEvent(QShowEvent* event) override;
 
 private:
     void selectRow(int row);

@@ -3,8 +3,8 @@
 #include "frame/Platform.h"
 #include "frame/Regional.h"
 #include "frame/ui/Centring.h"
+#include "sheet/ui/DateBox.h"
 
-#include <QDateEdit>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
@@ -26,15 +26,6 @@ QLineEdit* valueBox(QWidget* parent, const QString& name, const QString& hint) {
     return box;
 }
 
-// The short date pattern with the year in four digits, so that the picker never has to guess
-// the century of what it shows.
-QString pickerPattern() {
-    QString pattern = Regional::shortDatePattern();
-    if (!pattern.contains(QStringLiteral("yyyy")))
-        pattern.replace(QStringLiteral("yy"), QStringLiteral("yyyy"));
-    return pattern;
-}
-
 } // namespace
 
 RecordDialog::RecordDialog(QWidget* parent) : QDialog(parent) {
@@ -42,10 +33,8 @@ RecordDialog::RecordDialog(QWidget* parent) : QDialog(parent) {
     setWindowTitle(QStringLiteral("Change Record"));
     setModal(true);
 
-    dateEdit = new QDateEdit(this);
+    dateEdit = new DateBox(this);
     dateEdit->setObjectName(QStringLiteral("dateEdit"));
-    dateEdit->setCalendarPopup(true);
-    dateEdit->setDisplayFormat(pickerPattern());
     openEdit = valueBox(this, QStringLiteral("openEdit"), QStringLiteral("Open"));
     highEdit = valueBox(this, QStringLiteral("highEdit"), QStringLiteral("High"));
     lowEdit = valueBox(this, QStringLiteral("lowEdit"), QStringLiteral("Low"));
@@ -95,6 +84,14 @@ void RecordDialog::apply() {
             return;
         }
     }
+    // The date as typed must be a date: what the box reads as is what is stored.
+    const std::optional<QDate> date = dateEdit->date();
+    if (!date) {
+        MsgBox(QStringLiteral("Please Enter a Valid Date."), MsgIcon::Information, Marrowfin);
+        dateEdit->setFocus();
+        dateEdit->selectAll();
+        return;
+    }
     std::array<double, 5> values{};
     for (size_t i = 0; i < boxes.size(); ++i) {
         const std::optional<double> value = Regional::readNumber(boxes[i]->text().trimmed());
@@ -107,7 +104,7 @@ void RecordDialog::apply() {
         }
         values[i] = *value;
     }
-    Dat = dateEdit->date();
+    Dat = *date;
     OpenPrice = values[0];
     High = values[1];
     Low = values[2];

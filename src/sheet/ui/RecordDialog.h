@@ -7,7 +7,7 @@
 
 #include <QDialog>
 
-class QDateEdit;
+class DateBox;
 class QLineEdit;
 class QPushButton;
 
@@ -20,7 +20,7 @@ public:
 
     bool applied = false;   // true only when the dialog was left with "&Apply"
 
-    QDateEdit* dateEdit;
+    DateBox* dateEdit;   // the date, typed or picked from its calendar
     QLineEdit* openEdit;   // open
     QLineEdit* highEdit;   // high
     QLineEdit* lowEdit;   // low

@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -47,6 +48,8 @@ ReadProgressWindow::~ReadProgressWindow() { hide(); }
 void ReadProgressWindow::Show() {
     CentreOnScreen(this);
     show();
+    if (QScreen* shownOn = screen(); shownOn && shownOn->refreshRate() >= 1)
+        frameNs_ = static_cast<qint64>(1e9 / shownOn->refreshRate());
     QCoreApplication::processEvents();
 }
 
@@ -58,6 +61,8 @@ void ReadProgressWindow::Hide() {
 void ReadProgressWindow::SetRange(qint32 low, qint32 high) {
     ProgressBar1->setRange(low, std::max(low, high));
     ProgressBar1->setValue(low);
+    value_ = low;
+    shownPercent_ = -1;
 }
 
 void ReadProgressWindow::SetCaption(const QString& caption) { setWindowTitle(caption); }
@@ -67,8 +72,22 @@ void ReadProgressWindow::SetMessage(const QString& message) { lblMessage->setTex
 void ReadProgressWindow::SetStep(qint32 step) { step_ = step; }
 
 void ReadProgressWindow::StepIt() {
-    ProgressBar1->setValue(std::min(ProgressBar1->maximum(), ProgressBar1->value() + step_));
+    value_ = std::min(ProgressBar1->maximum(), value_ + step_);
+    // The bar follows at once when its percent changes; the finer moves wait for the next frame.
+    const qint64 span = std::max<qint64>(1, qint64(ProgressBar1->maximum()) - ProgressBar1->minimum());
+    const qint64 percent = (qint64(value_) - ProgressBar1->minimum()) * 100 / span;
+    if (percent != shownPercent_) {
+        shownPercent_ = percent;
+        ProgressBar1->setValue(value_);
+    }
+    if (!sinceServed_.isValid() || sinceServed_.nsecsElapsed() >= frameNs_)
+        serve();
+}
+
+void ReadProgressWindow::serve() {
+    ProgressBar1->setValue(value_);
     QCoreApplication::processEvents();
+    sinceServed_.start();
 }
 
 bool ReadProgressWindow::GetCancelled() const { return cancelled_; }

@@ -1,10 +1,13 @@
 #pragma once
-// The store's progress window for long reads: a bar, a line of text and a Cancel button. It
-// serves the window system's events at each step, so that a click on Cancel gets through while
-// the caller is in its loop. Releasing the object takes the window down.
+// The store's progress window for long reads: a bar, a line of text and a Cancel button. A step
+// serves the window system's events, so that a click on Cancel gets through while the caller is
+// in its loop; since a read steps once a record, far more often than the screen is redrawn, the
+// events are served at the first step and then at most once a frame of the screen, and the bar
+// moves when what it shows changes. Releasing the object takes the window down.
 
 #include "store/ReadProgress.h"
 
+#include <QElapsedTimer>
 #include <QWidget>
 
 class QLabel;
@@ -33,7 +36,14 @@ public:
     QPushButton* cancelButton;
 
 private:
+    // Shows `value_` on the bar and serves the window system's events.
+    void serve();
+
     qint32 step_ = 1;
+    qint32 value_ = 0;        // where the steps have got to
+    qint64 shownPercent_ = -1;   // the whole percent last put on the bar
+    qint64 frameNs_ = 16'666'667;   // a frame of the screen
+    QElapsedTimer sinceServed_;   // invalid until events were first served
     bool cancelled_ = false;
 };
 
