@@ -12,6 +12,7 @@
 #include "catalogue/ui/OpenSecurityDialog.h"
 #include "catalogue/ui/SymbolLookupDialog.h"
 #include "download/ui/DownloaderDialog.h"
+#include "export/ui/ConvertToCsvWindow.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -261,7 +262,7 @@ void MainWindow::adjustData() {
 }
 
 void MainWindow::convertToCsv() {
-    // Convert To CSV File is opened here as a child window.
+    ShowChildWindow(new ConvertToCsvWindow);
 }
 
 void MainWindow::symbolLookup() {
