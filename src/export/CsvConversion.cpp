@@ -65,11 +65,11 @@ private:
         if (written != buffer_.size()) {
             const QString why = file_.error() != QFileDevice::NoError ? file_.errorString()
                                                                        : QStringLiteral("the disk is full");
-            buffer_.clear();   // what could not be written is not tried again on closing
+            buffer_.truncate(0);   // what could not be written is not tried again on closing
             file_.close();
             fileFailure(QStringLiteral("The file could not be written: %1.").arg(why), file_.fileName());
         }
-        buffer_.clear();
+        buffer_.truncate(0);   // the buffer keeps its room for the next lines
     }
 
     QFile file_;
@@ -128,12 +128,19 @@ void CsvConversion::convert(const QString& dataFolder, const QString& destinatio
     if (merge)
         merged.emplace(inFolder(target, MergedFileName));
 
+    // The folder is opened at the first security and stays open for the run: opening a folder
+    // reads its whole index, which for a folder of thousands of securities costs far more than
+    // the records of one of them.
+    SecurityReader& store = reader();
+    bool folderOpen = false;
     for (const QString& symbol : symbols) {
         std::optional<CsvFile> own;
         CsvFile* out = merged ? &*merged : nullptr;
-        SecurityReader& store = reader();
         try {
-            store.OpenFolder(folder);
+            if (!folderOpen) {
+                store.OpenFolder(folder);
+                folderOpen = true;
+            }
             progress().Show();
             progress().SetMessage(ConvertingMessage);
             store.OpenSecurity(symbol);
@@ -175,7 +182,6 @@ void CsvConversion::convert(const QString& dataFolder, const QString& destinatio
                 own->close();
             store.CloseSecurity();
             progress().Hide();
-            store.CloseFolder();
             if (listener)
                 listener->securityConverted(symbol, out->path(), written);
         } catch (Failure& failure) {
@@ -192,6 +198,7 @@ void CsvConversion::convert(const QString& dataFolder, const QString& destinatio
                           failure.Source);
         }
     }
+    store.CloseFolder();
     if (merged)
         merged->close();
 }
