@@ -6,7 +6,8 @@
 // And how much memory the conversion holds: BM_ExportHeap/N samples the heap in use at every
 // record through the progress window's step (mallinfo2), and reports what is in use at the first
 // record above the start (the store's read of the security) and how far it grows over the records
-// after that (what the conversion itself keeps: this has to stay flat in N).
+// after that (what the conversion itself keeps: this has to stay flat in N). A security holds at
+// most 65,534 records.
 // Run: cmake --preset bench && cmake --build --preset bench --target bench_export_csv &&
 //      build/bench/bin/bench_export_csv
 
@@ -161,7 +162,7 @@ void BM_ExportHeap(benchmark::State& state) {
     state.counters["atFirstRecordKB"] = (static_cast<double>(HeapSampler::first) - static_cast<double>(before)) / 1024;
     state.counters["growthOverRecordsKB"] = static_cast<double>(HeapSampler::peak - HeapSampler::first) / 1024;
 }
-BENCHMARK(BM_ExportHeap)->Arg(1000)->Arg(10000)->Arg(65000)->Arg(250000)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ExportHeap)->Arg(1000)->Arg(10000)->Arg(65000)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
