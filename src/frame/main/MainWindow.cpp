@@ -16,6 +16,7 @@
 #include "download/ui/DownloaderDialog.h"
 #include "download/ui/NseDownloaderDialog.h"
 #include "download/ui/NseIndexDialog.h"
+#include "export/ui/ConvertToCsvWindow.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -279,7 +280,7 @@ void MainWindow::adjustData() {
 }
 
 void MainWindow::convertToCsv() {
-    // Convert To CSV File is opened here as a child window.
+    ShowChildWindow(new ConvertToCsvWindow);
 }
 
 void MainWindow::symbolLookup() {

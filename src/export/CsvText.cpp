@@ -1,0 +1,294 @@
+#include "export/CsvText.h"
+
+#include "frame/CommonRoutines.h"
+#include "frame/Regional.h"
+
+#include <QDate>
+#include <QLocale>
+#include <QStringEncoder>
+
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+
+#ifndef Q_OS_WIN
+#include <langinfo.h>
+#endif
+
+// --- CodePage ---
+
+namespace {
+
+// Windows-1252 at 0x80..0x9F; 0 where the code page has no character.
+constexpr char16_t Windows1252High[32] = {
+    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
+
+char windows1252(char16_t c) {
+    if (c < 0x80 || (c >= 0xA0 && c <= 0xFF))
+        return static_cast<char>(c);
+    for (int i = 0; i < 32; ++i)
+        if (Windows1252High[i] == c)
+            return static_cast<char>(0x80 + i);
+    return '?';
+}
+
+bool isAscii(QStringView text) {
+    for (QChar c : text)
+        if (c.unicode() >= 0x80)
+            return false;
+    return true;
+}
+
+} // namespace
+
+CodePage::CodePage() {
+#ifdef Q_OS_WIN
+    kind_ = Kind::System;   // the ANSI code page of the system
+#else
+    const QByteArray set = QByteArray(nl_langinfo(CODESET)).toUpper().replace('_', '-');
+    if (set == "UTF-8" || set == "UTF8")
+        kind_ = Kind::Utf8;
+    else if (set == "ISO-8859-1" || set == "ISO8859-1" || set == "LATIN1")
+        kind_ = Kind::Latin1;
+    else
+        kind_ = Kind::Windows1252;   // plain ASCII ("C" locale) or a code page we cannot write
+#endif
+}
+
+CodePage::~CodePage() = default;
+
+QString CodePage::name() const {
+    switch (kind_) {
+    case Kind::Utf8: return QStringLiteral("UTF-8");
+    case Kind::Latin1: return QStringLiteral("ISO-8859-1");
+    case Kind::Windows1252: return QStringLiteral("windows-1252");
+    case Kind::System: break;
+    }
+    return QStringLiteral("system");
+}
+
+void CodePage::append(QStringView text, QByteArray& out) const {
+    if (isAscii(text)) {
+        for (QChar c : text)
+            out.append(static_cast<char>(c.unicode()));
+        return;
+    }
+    switch (kind_) {
+    case Kind::Utf8:
+        out.append(text.toUtf8());
+        return;
+    case Kind::Latin1:
+        for (QChar c : text)
+            out.append(c.unicode() <= 0xFF ? static_cast<char>(c.unicode()) : '?');
+        return;
+    case Kind::Windows1252:
+        for (QChar c : text)
+            out.append(windows1252(c.unicode()));
+        return;
+    case Kind::System: {
+        QStringEncoder encoder(QStringConverter::System);
+        out.append(QByteArray(encoder(text)));
+        return;
+    }
+    }
+}
+
+QByteArray CodePage::encode(QStringView text) const {
+    QByteArray bytes;
+    append(text, bytes);
+    return bytes;
+}
+
+// --- CsvText ---
+
+CsvText::CsvText() {
+    const QLocale locale;
+    plainDigits_ = locale.zeroDigit() == QStringLiteral("0") && locale.negativeSign() == QStringLiteral("-");
+    decimal_ = codePage_.encode(locale.decimalPoint());
+    if (!learnDateForm())
+        dateForm_.clear();
+}
+
+CsvText::~CsvText() = default;
+
+namespace {
+
+// Splits a date text into runs of ASCII digits and runs of anything else; false when it holds a
+// digit of another script.
+bool splitRuns(const QString& text, QStringList& runs, QList<bool>& digits) {
+    QString run;
+    bool inDigits = false;
+    for (QChar c : text) {
+        const bool digit = c >= u'0' && c <= u'9';
+        if (!digit && c.isDigit())
+            return false;
+        if (!run.isEmpty() && digit != inDigits) {
+            runs << run;
+            digits << inDigits;
+            run.clear();
+        }
+        inDigits = digit;
+        run += c;
+    }
+    if (!run.isEmpty()) {
+        runs << run;
+        digits << inDigits;
+    }
+    return true;
+}
+
+} // namespace
+
+bool CsvText::learnDateForm() {
+    // A date whose fields tell one another apart (day 23, month 11, year 1987) gives the order
+    // and the separators; a date of single digits gives the leading zeros.
+    QStringList runs, runsPadded;
+    QList<bool> digits, digitsPadded;
+    if (!splitRuns(DateToText(19871123), runs, digits) || !splitRuns(DateToText(20040201), runsPadded, digitsPadded))
+        return false;
+    if (runs.size() != runsPadded.size() || digits != digitsPadded)
+        return false;
+    int fields = 0;
+    for (qsizetype i = 0; i < runs.size(); ++i) {
+        if (!digits[i]) {
+            if (runs[i] != runsPadded[i])
+                return false;
+            dateForm_.push_back({DatePart::Text, 0, codePage_.encode(runs[i])});
+            continue;
+        }
+        ++fields;
+        const QString& r = runs[i];
+        const QString& p = runsPadded[i];
+        if (r == u"23" && (p == u"1" || p == u"01"))
+            dateForm_.push_back({DatePart::Day, int(p.size()), {}});
+        else if (r == u"11" && (p == u"2" || p == u"02"))
+            dateForm_.push_back({DatePart::Month, int(p.size()), {}});
+        else if ((r == u"1987" && p == u"2004") || (r == u"87" && p == u"04"))
+            dateForm_.push_back({DatePart::Year, int(p.size()), {}});
+        else
+            return false;
+    }
+    if (fields != 3)
+        return false;
+
+    // The form stands only if it writes what DateToText writes across the calendar.
+    const qint32 checks[] = {20050806, 19991231, 20000101, 20240229, 20101010, 19300115, 20291231,
+                             19250704, 21000301, 10000101, 99991231, 19700512};
+    for (qint32 check : checks) {
+        QByteArray mine;
+        writeDateForm(check / 10000, check / 100 % 100, check % 100, mine);
+        if (mine != codePage_.encode(DateToText(check)))
+            return false;
+    }
+    return true;
+}
+
+void CsvText::writeDateForm(int year, int month, int day, QByteArray& out) const {
+    auto number = [&out](int value, int width) {
+        char digits[8];
+        int n = 0;
+        do {
+            digits[n++] = static_cast<char>('0' + value % 10);
+            value /= 10;
+        } while (value > 0);
+        for (int i = n; i < width; ++i)
+            out.append('0');
+        while (n > 0)
+            out.append(digits[--n]);
+    };
+    for (const DatePart& part : dateForm_) {
+        switch (part.kind) {
+        case DatePart::Text: out.append(part.text); break;
+        case DatePart::Day: number(day, part.width); break;
+        case DatePart::Month: number(month, part.width); break;
+        case DatePart::Year: number(part.width == 2 ? year % 100 : year, part.width); break;
+        }
+    }
+}
+
+void CsvText::appendDate(qint32 storeDate, QByteArray& out) const {
+    if (!dateForm_.empty() && storeDate > 0) {
+        const int year = storeDate / 10000, month = storeDate / 100 % 100, day = storeDate % 100;
+        if (year >= 1000 && year <= 9999 && QDate::isValid(year, month, day)) {
+            writeDateForm(year, month, day, out);
+            return;
+        }
+    }
+    codePage_.append(DateToText(storeDate), out);
+}
+
+void CsvText::appendSlowNumber(double value, QByteArray& out) const {
+    codePage_.append(Regional::numberText(value), out);
+}
+
+void CsvText::appendNumber(double value, QByteArray& out) const {
+    const auto single = static_cast<float>(value);
+    if (!std::isfinite(value) || static_cast<double>(single) != value) {
+        appendSlowNumber(value, out);   // not a stored single-precision value
+        return;
+    }
+    if (single == 0) {
+        out.append('0');   // also for -0
+        return;
+    }
+    char buf[32];
+    if (std::trunc(value) == value && std::fabs(value) < 1e15) {
+        // A whole number is written in full: the shortest digits of a volume past 2^24 would
+        // read back as the same float but name another number than the one stored.
+        const auto result = std::to_chars(buf, buf + sizeof buf, static_cast<long long>(value));
+        out.append(buf, result.ptr - buf);
+        return;
+    }
+    // The shortest digits that read back as the same single-precision value.
+    const auto result = std::to_chars(buf, buf + sizeof buf, single, std::chars_format::scientific);
+    *result.ptr = '\0';
+    const char* p = buf;
+    const bool negative = *p == '-';
+    if (negative)
+        ++p;
+    char mantissa[16];
+    int n = 0;
+    for (; *p && *p != 'e'; ++p)
+        if (*p != '.')
+            mantissa[n++] = *p;
+    const int exponent = *p == 'e' ? std::atoi(p + 1) : 0;
+
+    if (!plainDigits_ || exponent < -4 || exponent >= 15) {
+        // Far from 1, or digits of another script: the locale's own general form of those digits.
+        appendSlowNumber(std::strtod(buf, nullptr), out);
+        return;
+    }
+    if (negative)
+        out.append('-');
+    if (exponent < 0) {
+        out.append('0');
+        out.append(decimal_);
+        for (int i = exponent + 1; i < 0; ++i)
+            out.append('0');
+        out.append(mantissa, n);
+        return;
+    }
+    const int whole = exponent + 1;
+    if (n <= whole) {
+        out.append(mantissa, n);
+        for (int i = n; i < whole; ++i)
+            out.append('0');
+        return;
+    }
+    out.append(mantissa, whole);
+    out.append(decimal_);
+    out.append(mantissa + whole, n - whole);
+}
+
+void CsvText::appendRecord(const QByteArray& prefix, qint32 storeDate, const std::array<double, 5>& values,
+                           QByteArray& out) const {
+    out.append(prefix);
+    appendDate(storeDate, out);
+    for (double value : values) {
+        out.append(',');
+        appendNumber(value, out);
+    }
+    out.append("\r\n", 2);
+}

@@ -1,0 +1,308 @@
+// Convert To CSV File: the bytes of merged and separate output of a real data folder against files
+// checked by hand, the text of one record line under several locales, and what the user sees when
+// a field is empty, nothing is marked, a security has no records or a file cannot be written.
+
+#include "export/CsvConversion.h"
+#include "export/CsvText.h"
+#include "export/ui/ConvertToCsvWindow.h"
+#include "frame/Failure.h"
+#include "store/ReadProgress.h"
+#include "store/SecurityReader.h"
+#include "store/SecurityWriter.h"
+#include "support/ScriptedPlatform.h"
+#include "support/TestSupport.h"
+
+#include <QCheckBox>
+#include <QDir>
+#include <QFile>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QToolButton>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <memory>
+
+namespace {
+
+// Three securities of the vendor's folder: two of its first index file, one of its extended one.
+const QStringList Chosen = {QStringLiteral("A2A"), QStringLiteral("ENEL"), QStringLiteral("RCS")};
+
+QString expectedPath(const QString& name) { return QDir(QStringLiteral(EXPORT_EXPECTED_DIR)).filePath(name); }
+
+// Compares a written file with its checked copy; a missing copy is written beside the build for checking.
+void expectSameBytes(const QString& actualPath, const QString& expectedName) {
+    const QByteArray actual = readFileBytes(actualPath);
+    if (!QFile::exists(expectedPath(expectedName))) {
+        const QString keep = QDir::current().filePath(expectedName);
+        writeTextFile(keep, actual);
+        ADD_FAILURE() << "no checked copy " << expectedName.toStdString() << "; output kept in " << keep.toStdString();
+        return;
+    }
+    EXPECT_TRUE(actual == readFileBytes(expectedPath(expectedName)))
+        << actualPath.toStdString() << " differs from " << expectedName.toStdString();
+}
+
+// Progress windows that log what they are told, in the order told.
+struct ProgressLog {
+    struct Window : ReadProgress {
+        std::shared_ptr<QStringList> calls;
+        explicit Window(std::shared_ptr<QStringList> c) : calls(std::move(c)) {}
+        void Show() override { *calls << QStringLiteral("Show"); }
+        void Hide() override { *calls << QStringLiteral("Hide"); }
+        void SetRange(qint32 low, qint32 high) override { *calls << QStringLiteral("SetRange %1 %2").arg(low).arg(high); }
+        void SetCaption(const QString& text) override { *calls << QStringLiteral("SetCaption ") + text; }
+        void SetMessage(const QString& text) override { *calls << QStringLiteral("SetMessage ") + text; }
+        void SetStep(qint32 step) override { *calls << QStringLiteral("SetStep %1").arg(step); }
+        void StepIt() override { *calls << QStringLiteral("StepIt"); }
+        bool GetCancelled() const override {
+            *calls << QStringLiteral("GetCancelled");
+            return true;
+        }
+    };
+    std::shared_ptr<QStringList> calls = std::make_shared<QStringList>();
+    ProgressLog() { ReadProgress::setFactory([c = calls] { return std::make_unique<Window>(c); }); }
+    ~ProgressLog() { ReadProgress::setFactory({}); }
+};
+
+void makeSecurity(const QString& folder, const QString& symbol, const std::vector<std::array<double, 6>>& records) {
+    SecurityWriter writer;
+    writer.OpenFolder(folder);
+    writer.CreateSecurity(symbol, symbol, 1);
+    for (const auto& r : records)
+        writer.AddQuote(static_cast<qint32>(r[0]), 0, r[1], r[2], r[3], r[4], r[5], 0.0);
+    writer.SaveQuotes();
+    writer.CloseSecurity();
+    writer.CloseFolder();
+}
+
+class ConvertToCsv : public ::testing::Test {
+protected:
+    ScriptedPlatform platform;
+    TempFolder temp;
+    ProgressLog progress;
+    std::unique_ptr<ConvertToCsvWindow> window = std::make_unique<ConvertToCsvWindow>();
+
+    void chooseDataFolder(const QString& path) {
+        platform.chooseNext(path);
+        window->dataFolderButton->click();
+    }
+    void chooseDestination(const QString& path) {
+        platform.chooseNext(path);
+        window->destinationButton->click();
+    }
+    QStringList listed() const {
+        QStringList lines;
+        for (int i = 0; i < window->symbolsList->count(); ++i)
+            lines << window->symbolsList->item(i)->text();
+        return lines;
+    }
+    void mark(const QStringList& symbols) {
+        for (const QString& symbol : symbols) {
+            const auto found = window->symbolsList->findItems(symbol, Qt::MatchExactly);
+            ASSERT_EQ(found.size(), 1) << symbol.toStdString();
+            found.first()->setSelected(true);
+        }
+    }
+    QStringList written() const { return QDir(temp.sub("out")).entryList(QDir::Files, QDir::Name); }
+};
+
+// --- a real folder, byte for byte ---
+
+TEST_F(ConvertToCsv, MergedOutputOfTheVendorsFolderThroughTheScreen) {
+    REQUIRE_FIXTURE("vendor-xmaster");
+    chooseDataFolder(metastockFixture("vendor-xmaster"));
+    // Every security, in the reader's order.
+    QStringList inStore;
+    SecurityReader reader;
+    reader.OpenFolder(metastockFixture("vendor-xmaster"));
+    while (reader.GetSecuritiesRemaining() >= 1) {
+        reader.NextSecurity();
+        inStore << reader.GetSymbol();
+    }
+    reader.CloseFolder();
+    EXPECT_EQ(inStore.size(), 462);
+    EXPECT_EQ(listed(), inStore);
+    mark(Chosen);
+    chooseDestination(temp.sub("out"));
+    window->mergeCheck->setChecked(true);
+    window->convertButton->click();
+
+    EXPECT_EQ(platform.boxTexts(), QStringList{"Conversion Completed."});
+    EXPECT_EQ(platform.boxes.value(0).title, ProgramTitle);
+    EXPECT_EQ(written(), QStringList{"data.csv"});
+    expectSameBytes(temp.file("out/data.csv"), QStringLiteral("merged-en_GB.csv"));
+    // Each security: the window up with its message and range, one step a record, never asked
+    // for a cancel, taken down at the end.
+    EXPECT_EQ(progress.calls->count("Show"), 3);
+    EXPECT_EQ(progress.calls->count("Hide"), 3);
+    EXPECT_EQ(progress.calls->count("SetMessage Converting Security"), 3);
+    EXPECT_EQ(progress.calls->count("GetCancelled"), 0);
+    EXPECT_EQ(progress.calls->last(), "Hide");
+    // The screen stays as it was.
+    EXPECT_EQ(window->symbolsList->selectedItems().size(), 3);
+    EXPECT_TRUE(window->mergeCheck->isChecked());
+}
+
+TEST_F(ConvertToCsv, SeparateOutputOfTheVendorsFolder) {
+    REQUIRE_FIXTURE("vendor-xmaster");
+    CsvConversion conversion;
+    conversion.convert(metastockFixture("vendor-xmaster"), " " + temp.sub("out") + " ", Chosen, false);
+    EXPECT_EQ(written(), (QStringList{"A2A.csv", "ENEL.csv", "RCS.csv"}));
+    for (const QString& symbol : Chosen)
+        expectSameBytes(temp.file("out/" + symbol + ".csv"), "separate-en_GB-" + symbol + ".csv");
+}
+
+TEST_F(ConvertToCsv, MergedOutputUnderADecimalComma) {
+    REQUIRE_FIXTURE("vendor-xmaster");
+    LocaleGuard locale(QStringLiteral("de_DE"));
+    CsvConversion conversion;
+    conversion.convert(metastockFixture("vendor-xmaster"), temp.sub("out"), Chosen, true);
+    expectSameBytes(temp.file("out/data.csv"), QStringLiteral("merged-de_DE.csv"));
+}
+
+// --- one record line ---
+
+struct LineCase {
+    const char* locale;
+    qint32 date;
+    std::array<double, 5> values;
+    const char* line;
+};
+void PrintTo(const LineCase& c, std::ostream* out) { *out << c.locale << ' ' << c.date << ' ' << c.line; }
+
+class RecordLine : public ::testing::TestWithParam<LineCase> {};
+
+TEST_P(RecordLine, IsTheDateTextAndTheShortestNumbers) {
+    LocaleGuard locale(QString::fromLatin1(GetParam().locale));
+    const CsvText text;
+    QByteArray line;
+    text.appendRecord("SYM,", GetParam().date, GetParam().values, line);
+    EXPECT_EQ(line.toStdString(), std::string(GetParam().line) + "\r\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Locales, RecordLine,
+    ::testing::Values(
+        LineCase{"en_GB", 20050806, {12.34f, 1234.5, 0.00390625, 100, 1500000}, "SYM,06/08/2005,12.34,1234.5,0.00390625,100,1500000"},
+        LineCase{"de_DE", 20050806, {12.34f, 1234.5, 0.00390625, 100, 1500000}, "SYM,06.08.05,12,34,1234,5,0,00390625,100,1500000"},
+        LineCase{"en_US", 20050806, {12.34f, 1234.5, 0.00390625, 100, 1500000}, "SYM,8/6/05,12.34,1234.5,0.00390625,100,1500000"},
+        // No date: "N/A" in every locale.
+        LineCase{"en_GB", 0, {1, 2, 3, 4, 5}, "SYM,N/A,1,2,3,4,5"},
+        LineCase{"de_DE", 0, {1, 2, 3, 4, 5}, "SYM,N/A,1,2,3,4,5"},
+        // Negative values, -0, a volume past the float's exact digits, values far from 1, and a
+        // value that is no single-precision number (15 significant digits).
+        LineCase{"en_GB", 19991231, {-0.5, -0.0, 123456792.0, 1e-5f, 0.1}, "SYM,31/12/1999,-0.5,0,123456792,1E-05,0.1"},
+        LineCase{"de_DE", 20000101, {0.0001f, 99999.99f, 1e20f, -7.25, 2.0 / 3}, "SYM,01.01.00,0,0001,99999,99,1E+20,-7,25,0,666666666666667"}));
+
+// --- the user's path ---
+
+TEST_F(ConvertToCsv, EmptyFieldsAskForTheFolderAndStop) {
+    // The data folder first: its box, then the chooser, which the user cancels.
+    window->destinationEdit->setText(temp.sub("out"));
+    window->convertButton->click();
+    EXPECT_EQ(platform.boxTexts(), QStringList{"Data Folder is empty"});
+    EXPECT_EQ(platform.boxes.value(0).icon, MsgIcon::Information);
+    EXPECT_EQ(platform.chooserTitles, QStringList{"Select the Data Folder"});
+
+    // The list fills only through the chooser; a cancelled choice empties the field and keeps it.
+    TempFolder store;
+    makeSecurity(store.path(), "BHP", {{20050804, 1, 2, 3, 4, 5}});
+    window->dataFolderEdit->setText(store.path());
+    EXPECT_EQ(window->symbolsList->count(), 0);
+    chooseDataFolder(store.path());
+    EXPECT_EQ(listed(), QStringList{"BHP"});
+    window->dataFolderButton->click();   // cancelled
+    EXPECT_EQ(window->dataFolderEdit->text(), "");
+    EXPECT_EQ(listed(), QStringList{"BHP"});
+
+    window->dataFolderEdit->setText(store.path());
+    window->destinationEdit->setText("  ");
+    platform.chooseNext(temp.sub("out"));
+    window->convertButton->click();
+    EXPECT_EQ(platform.boxTexts(), (QStringList{"Data Folder is empty", "Destination folder is empty"}));
+    EXPECT_EQ(platform.chooserTitles.last(), "Select the Destination Folder");
+    EXPECT_EQ(window->destinationEdit->text(), temp.path() + "/out");
+    EXPECT_TRUE(written().isEmpty()) << "the conversion does not go on by itself";
+    EXPECT_TRUE(progress.calls->isEmpty());
+}
+
+TEST_F(ConvertToCsv, NothingMarkedMakesAnEmptyMergedFile) {
+    makeSecurity(temp.sub("store"), "BHP", {{20050804, 1, 2, 3, 4, 5}});
+    writeTextFile(temp.sub("out") + "/data.csv", "old contents\r\n");
+    chooseDataFolder(temp.file("store"));
+    chooseDestination(temp.file("out"));
+    window->mergeCheck->setChecked(true);
+    window->convertButton->click();
+    EXPECT_EQ(platform.boxTexts(), QStringList{"Conversion Completed."});
+    EXPECT_EQ(written(), QStringList{"data.csv"});
+    EXPECT_EQ(readFileBytes(temp.file("out/data.csv")), QByteArray());
+
+    window->mergeCheck->setChecked(false);
+    window->convertButton->click();
+    EXPECT_EQ(written(), QStringList{"data.csv"});
+}
+
+TEST_F(ConvertToCsv, ASecurityWithoutRecordsGetsItsHeaderOnly) {
+    const QString store = temp.sub("store");
+    makeSecurity(store, "EMPTY", {});
+    makeSecurity(store, "ONE", {{20050804, 1.5, 2, 1, 1.75, 300}});
+    writeTextFile(temp.sub("out") + "/EMPTY.csv", "old contents that are longer than the new\r\n");
+    CsvConversion conversion;
+    conversion.convert(store, temp.file("out"), {"EMPTY", "ONE"}, false);
+    EXPECT_EQ(readFileBytes(temp.file("out/EMPTY.csv")), "Date,Open,High,Low,Close,Volume\r\n");
+    conversion.convert(store, temp.file("out"), {"EMPTY", "ONE"}, true);
+    EXPECT_EQ(readFileBytes(temp.file("out/data.csv")),
+              "Symbol,Date,Open,High,Low,Close,Volume\r\n"
+              "Symbol,Date,Open,High,Low,Close,Volume\r\n"
+              "ONE,04/08/2005,1.5,2,1,1.75,300\r\n");
+}
+
+// --- failures ---
+
+TEST_F(ConvertToCsv, AnUnwritableDestinationStopsWithABoxNamingTheFile) {
+    makeSecurity(temp.sub("store"), "BHP", {{20050804, 1, 2, 3, 4, 5}});
+    writeTextFile(temp.file("notafolder"), "a file where a folder should be");
+    chooseDataFolder(temp.file("store"));
+    mark({"BHP"});
+    for (bool merge : {true, false}) {
+        platform.boxes.clear();
+        progress.calls->clear();
+        window->destinationEdit->setText(temp.file("notafolder"));
+        window->mergeCheck->setChecked(merge);
+        window->convertButton->click();
+        ASSERT_EQ(platform.boxes.size(), 1) << merge;
+        EXPECT_EQ(platform.boxes[0].icon, MsgIcon::Critical);
+        EXPECT_EQ(platform.boxes[0].title, ProgramTitle);
+        EXPECT_TRUE(platform.boxes[0].text.contains(QDir::toNativeSeparators(
+            temp.file(merge ? "notafolder/data.csv" : "notafolder/BHP.csv"))))
+            << platform.boxes[0].text.toStdString();
+        EXPECT_TRUE(progress.calls->isEmpty() || progress.calls->last() == "Hide") << merge;
+    }
+}
+
+TEST_F(ConvertToCsv, AFailureHalfWayKeepsWhatWasWritten) {
+    const QString store = temp.sub("store");
+    makeSecurity(store, "BHP", {{20050804, 1, 2, 3, 4, 5}});
+    makeSecurity(store, "A/B", {{20050804, 1, 2, 3, 4, 5}});
+    CsvConversion conversion;
+    for (const QString& second : {QStringLiteral("GONE"), QStringLiteral("A/B")}) {
+        QFile::remove(temp.sub("out") + "/BHP.csv");
+        try {
+            conversion.convert(store, temp.file("out"), {"BHP", second, "BHP"}, false);
+            ADD_FAILURE() << "no failure for " << second.toStdString();
+        } catch (const Failure& failure) {
+            EXPECT_TRUE(failure.Description.contains(second)) << failure.Description.toStdString();
+        }
+        EXPECT_EQ(readFileBytes(temp.file("out/BHP.csv")), "Date,Open,High,Low,Close,Volume\r\n04/08/2005,1,2,3,4,5\r\n");
+        EXPECT_EQ(progress.calls->last(), "Hide");
+    }
+    // Merged, the file holds what came before the failure.
+    EXPECT_THROW(conversion.convert(store, temp.file("out"), {"BHP", "GONE"}, true), Failure);
+    EXPECT_EQ(readFileBytes(temp.file("out/data.csv")),
+              "Symbol,Date,Open,High,Low,Close,Volume\r\nBHP,04/08/2005,1,2,3,4,5\r\n");
+}
+
+} // namespace
