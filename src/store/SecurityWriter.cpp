@@ -527,8 +527,10 @@ void SecurityWriter::DeleteSecurity(const QString& symbol) {
     const QString path = d->folder->dataPath(list[size_t(i)]);
     const QString fileName = list[size_t(i)].dataFileName();
     StoreFiles::requireWritable(path);
+    const Security gone = std::move(list[size_t(i)]);
     list.erase(list.begin() + i);
-    d->changed();
+    d->folder->securityErased(i, gone);
+    d->indexDirty = true;
     ++d->deleted;
     forgetSummary(path);
     if (d->folder->hasFile(fileName)) {

@@ -17,6 +17,9 @@
 #include <cerrno>
 #include <cstring>
 #endif
+#ifdef Q_OS_WIN
+#include <io.h>
+#endif
 
 namespace StoreFiles {
 
@@ -257,8 +260,11 @@ void putFile(const QString& path, const QByteArray& bytes, Go go, bool flush) {
         writeFailed(path, file.errorString());
     const QByteArray put = go == Go::All ? bytes : bytes.left(bytes.size() / 2);
     bool ok = file.write(put) == put.size() && file.flush();
-#ifdef Q_OS_UNIX
+#if defined(Q_OS_UNIX)
     if (ok && flush && ::fsync(file.handle()) != 0)
+        ok = false;
+#elif defined(Q_OS_WIN)
+    if (ok && flush && ::_commit(file.handle()) != 0)
         ok = false;
 #else
     Q_UNUSED(flush);
@@ -327,8 +333,11 @@ void flushFiles(const QString& folder, const std::vector<QString>& paths) {
 #else
     for (const QString& path : paths) {
         QFile file(path);
-        if (file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
-            file.flush();
+        if (file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly)) {
+#ifdef Q_OS_WIN
+            ::_commit(file.handle());
+#endif
+        }
     }
     Q_UNUSED(folder);
 #endif

@@ -158,8 +158,10 @@ int Folder::findBySymbol(const QString& symbol) const {
     if (!symbolsKnown_) {
         symbols_.clear();
         upperSymbols_.clear();
+        sharedSymbols_ = false;
         for (size_t i = 0; i < index.securities.size(); ++i) {
             const QString key = index.securities[i].key();
+            sharedSymbols_ = sharedSymbols_ || upperSymbols_.contains(key.toUpper());
             symbols_.insert(key, symbols_.value(key, int(i)));
             upperSymbols_.insert(key.toUpper(), upperSymbols_.value(key.toUpper(), int(i)));
         }
@@ -186,10 +188,34 @@ void Folder::securityInserted(int position) {
         return;
     }
     const QString key = index.securities[size_t(position)].key();
+    sharedSymbols_ = sharedSymbols_ || upperSymbols_.contains(key.toUpper());
     if (!symbols_.contains(key))
         symbols_.insert(key, position);
     if (!upperSymbols_.contains(key.toUpper()))
         upperSymbols_.insert(key.toUpper(), position);
+}
+
+void Folder::securityErased(int position, const Security& security) {
+    numbers_.remove(security.fileNumber);
+    if (!symbolsKnown_)
+        return;
+    // Later securities move up by one. Where two securities share a symbol (third-party folders),
+    // the tables are made anew from the list.
+    if (sharedSymbols_) {
+        symbolsKnown_ = false;
+        return;
+    }
+    for (QHash<QString, int>* table : {&symbols_, &upperSymbols_}) {
+        for (auto it = table->begin(); it != table->end();) {
+            if (it.value() == position) {
+                it = table->erase(it);
+                continue;
+            }
+            if (it.value() > position)
+                --it.value();
+            ++it;
+        }
+    }
 }
 
 int Folder::findByName(const QString& name) const {

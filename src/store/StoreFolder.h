@@ -47,8 +47,10 @@ public:
         symbolsKnown_ = false;
         numbersKnown_ = false;
     }
-    // To be called when a security was put into the list at `position`.
+    // To be called when a security was put into the list at `position`, or taken out of it
+    // (`security` is the one taken out).
     void securityInserted(int position);
+    void securityErased(int position, const Security& security);
     int findByName(const QString& name) const;
     // As the two above, but a security the folder lacks raises Failure with `source` ("Class::Operation").
     int securityWithSymbol(const QString& symbol, const char* source) const;
@@ -67,6 +69,7 @@ private:
     mutable bool symbolsKnown_ = false;
     mutable QHash<QString, int> symbols_;       // symbol -> first security of it
     mutable QHash<QString, int> upperSymbols_;  // upper-case symbol -> first security of it
+    mutable bool sharedSymbols_ = false;        // two securities go by one symbol
     mutable bool numbersKnown_ = false;
     mutable QSet<int> numbers_;                 // file numbers of the securities
     mutable int highestNumber_ = 0;

@@ -263,6 +263,32 @@ TEST(StoreWriting, SeedOfANewSecurityIsItsFirstAndLastDateUntilRecordsCome) {
     EXPECT_EQ(r.GetLastDate(), 20050809);
 }
 
+TEST(StoreWriting, SecuritiesAreFoundByTheirSymbolAfterOthersAreDeletedInTheSameFolder) {
+    TempFolder folder;
+    SecurityWriter w;
+    w.OpenFolder(folder.path());
+    for (const char* symbol : {"AAA", "BBB", "CCC", "DDD"})
+        w.CreateSecurity(QString::fromLatin1(symbol), QString(), 1);
+    EXPECT_TRUE(w.SymbolExists(QStringLiteral("ddd")));
+    w.DeleteSecurity(QStringLiteral("BBB"));
+    EXPECT_FALSE(w.SymbolExists(QStringLiteral("BBB")));
+    w.OpenSecurity(QStringLiteral("ccc"));
+    w.AddQuote(20050801, -1, 1, 1, 1, 1, 1, -1);
+    w.DeleteSecurity(QStringLiteral("AAA"));
+    w.CreateSecurity(QStringLiteral("BBB"), QString(), 1);
+    w.OpenSecurity(QStringLiteral("DDD"));
+    w.AddQuote(20050802, -1, 2, 2, 2, 2, 2, -1);
+    w.CloseFolder();
+    const auto listed = listFolder(folder.path());
+    ASSERT_EQ(listed.size(), 3u);
+    EXPECT_EQ(listed[0].symbol + listed[1].symbol + listed[2].symbol, QStringLiteral("CCCDDDBBB"));
+    EXPECT_EQ(readDates(folder.path(), QStringLiteral("CCC")), std::vector<qint32>{20050801});
+    EXPECT_EQ(readDates(folder.path(), QStringLiteral("DDD")), std::vector<qint32>{20050802});
+    // The data files of the deleted securities went once the index no longer listed them.
+    EXPECT_FALSE(exists(folder, "F1.DAT") || exists(folder, "F2.DAT"));
+    EXPECT_EQ(listed[2].file, QStringLiteral("F5.DAT"));
+}
+
 TEST(StoreWriting, SymbolsAreCheckedOnCreateAndRename) {
     TempFolder folder;
     SecurityWriter w;
