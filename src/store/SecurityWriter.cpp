@@ -185,7 +185,6 @@ struct SecurityWriter::Impl {
         if (pending.empty() || selected < 0)
             return;
         try {
-            StoreFiles::requireWritable(dataPath());
             putPending();
         } catch (const Failure& failure) {
             const QString symbol = folder->index.securities[size_t(selected)].key();

@@ -201,12 +201,16 @@ void requireWritable(const QString& path) {
 }
 
 void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteArray>>& parts) {
-    requireWritable(path);
 #ifdef Q_OS_UNIX
     // Straight to the system: this is the path of every appended record.
     const int fd = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CLOEXEC);
     if (fd < 0)
         writeFailed(path, systemError(errno));
+    struct stat sb;
+    if (::fstat(fd, &sb) == 0 && !(sb.st_mode & S_IWUSR)) {
+        ::close(fd);
+        requireWritable(path);
+    }
     for (const auto& [offset, bytes] : parts) {
         Go go;
         try {
@@ -237,6 +241,7 @@ void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteAr
     if (::close(fd) != 0)
         writeFailed(path, systemError(errno));
 #else
+    requireWritable(path);
     QFile file(path);
     if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered))
         writeFailed(path, file.errorString());
