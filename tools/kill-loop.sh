@@ -9,6 +9,9 @@
 #
 #   tools/kill-loop.sh CLI FOLDER|empty [KILLS]
 #
+# Runs go on until KILLS of them were killed (a run that ends before its kill does not count),
+# at most three times KILLS runs.
+#
 # FOLDER is copied, never written. With a folder, the runs alternate between a create (five
 # existing symbols made anew and 300 new ones) and an import of 2,000 records into the first
 # security; with "empty", each run is the first create of 300 securities in an empty folder.
@@ -114,14 +117,21 @@ for i in 0 1; do
 done
 echo "uninterrupted (us): ${!took[*]} = ${took[*]}"
 
-killed=0; finished=0; refused=0; changed=0; torn=0
-for i in $(seq 1 "$kills"); do
+killed=0; finished=0; refused=0; changed=0; torn=0; i=0
+while [ $killed -lt "$kills" ] && [ $i -lt $((3 * kills)) ]; do
+  i=$((i + 1))
   fresh
   run_command $i
   span=${took[$kind]}
   delay=$(( (RANDOM * 32768 + RANDOM) % (span + span / 5 + 1) ))
   sleep "$(awk "BEGIN{printf \"%.6f\", $delay/1000000}")"
-  if kill -9 $pid 2>/dev/null; then killed=$((killed + 1)); else finished=$((finished + 1)); fi
+  if kill -9 $pid 2>/dev/null; then
+    killed=$((killed + 1))
+  else
+    finished=$((finished + 1))
+    # The run was shorter than thought: spread the next kills over less.
+    took[$kind]=$(( took[$kind] * 9 / 10 ))
+  fi
   wait $pid 2>/dev/null
 
   bad=""
@@ -144,6 +154,6 @@ for i in $(seq 1 "$kills"); do
   fi
   if [ -n "$bad" ]; then refused=$((refused + 1)); echo "kill $i ($kind): refused: $bad"; fi
 done
-echo "folder: $base; runs: $kills; killed: $killed; finished before the kill: $finished;" \
+echo "folder: $base; runs: $i; killed: $killed; finished before the kill: $finished;" \
      "folders refused: $refused; securities changed that were not written: $changed;" \
      "written securities neither before nor after: $torn"
