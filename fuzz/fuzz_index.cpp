@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QByteArray xmaster = in.chunk();
     Index index;
     try {
-        index = parseIndex(master, (flags & 1) ? &emaster : nullptr, (flags & 2) ? &xmaster : nullptr);
+        index = parseIndex(master, (flags & 1) ? &emaster : nullptr, (flags & 2) ? &xmaster : nullptr, flags & 4);
     } catch (const Failure&) {
         return 0;
     }

@@ -56,18 +56,38 @@ void putMbf(QByteArray& b, int off, float v) {
     std::memcpy(b.data() + off, out, 4);
 }
 
+// Windows-1252 at 0x80..0x9F; the five bytes it leaves undefined stand for themselves.
+constexpr char16_t Cp1252High[32] = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+    0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+// The byte of a character; -1 when Windows-1252 has none.
+int cp1252Byte(char16_t c) {
+    if (c < 0x80 || (c >= 0xA0 && c <= 0xFF))
+        return c;
+    for (int i = 0; i < 32; ++i)
+        if (Cp1252High[i] == c)
+            return 0x80 + i;
+    return -1;
+}
+
 // Text of a fixed field: up to the first NUL, blanks trimmed at both ends.
 QString textAt(const QByteArray& b, int off, int len) {
     const char* p = b.constData() + off;
     int n = 0;
     while (n < len && p[n] != '\0')
         ++n;
-    return QString::fromLatin1(p, n).trimmed();
+    return decodeText(p, n).trimmed();
 }
+// A field padded with `pad`; a NUL-padded field loses the blanks that the cut to its length
+// leaves at its end, as the vendor's software writes it.
 void putText(QByteArray& b, int off, int len, const QString& text, char pad) {
-    const QByteArray latin = text.toLatin1().left(len);
+    QByteArray bytes = encodeText(text).left(len);
+    if (pad == '\0')
+        while (!bytes.isEmpty() && bytes.endsWith(' '))
+            bytes.chop(1);
     std::memset(b.data() + off, pad, size_t(len));
-    std::memcpy(b.data() + off, latin.constData(), size_t(latin.size()));
+    std::memcpy(b.data() + off, bytes.constData(), size_t(bytes.size()));
 }
 
 qint32 dateFromIndexInt(qint32 v) {
@@ -137,6 +157,36 @@ Security readXmasterRecord(const QByteArray& raw) {
 qint32 indexIntDate(qint32 storeDate) { return storeDate == 0 ? NoDateMarker : storeDate; }
 
 } // namespace
+
+// ---- Text --------------------------------------------------------------------------------------
+
+QString decodeText(const char* bytes, int length) {
+    QString text(length, Qt::Uninitialized);
+    for (int i = 0; i < length; ++i) {
+        const unsigned char c = static_cast<unsigned char>(bytes[i]);
+        text[i] = QChar(c >= 0x80 && c < 0xA0 ? Cp1252High[c - 0x80] : char16_t(c));
+    }
+    return text;
+}
+
+QByteArray encodeText(const QString& text) {
+    QByteArray bytes;
+    bytes.reserve(text.size());
+    for (const QChar c : text) {
+        const int b = cp1252Byte(c.unicode());
+        bytes.append(char(b < 0 ? '?' : b));
+    }
+    return bytes;
+}
+
+QChar unstorableCharacter(const QString& text) {
+    for (const QChar c : text)
+        if (cp1252Byte(c.unicode()) < 0)
+            return c;
+    return QChar();
+}
+
+qint64 maxDataSize(const Layout& layout) { return qint64(MaxRecords + 2) * layout.recordLength(); }
 
 // ---- MBF ---------------------------------------------------------------------------------------
 
@@ -256,7 +306,13 @@ int Index::extendedCount() const { return int(securities.size()) - masterCount()
 
 // ---- Index parsing -----------------------------------------------------------------------------
 
-Index parseIndex(const QByteArray& master, const QByteArray* emaster, const QByteArray* xmaster) {
+bool isOwnEmaster(const QByteArray& emaster) {
+    return emaster.size() >= EmasterRecordLength &&
+           std::memcmp(emaster.constData() + 53, Copyright, sizeof(Copyright)) == 0;
+}
+
+Index parseIndex(const QByteArray& master, const QByteArray* emaster, const QByteArray* xmaster,
+                 bool extendedDataFiles) {
     Index index;
     const QString masterName = QStringLiteral("MASTER");
     if (master.size() < MasterRecordLength)
@@ -319,13 +375,23 @@ Index parseIndex(const QByteArray& master, const QByteArray* emaster, const QByt
 
     if (xmaster) {
         const QString name = QStringLiteral("XMASTER");
-        if (xmaster->size() < XmasterRecordLength || std::memcmp(xmaster->constData(), XmasterMagic, 4) != 0) {
+        const bool magic = xmaster->size() >= 4 && std::memcmp(xmaster->constData(), XmasterMagic, 4) == 0;
+        if (!magic && !extendedDataFiles) {
+            // A file of another program under that name; the folder has no security past the 255th.
             index.foreignXmaster = true;
         } else {
+            if (!magic)
+                corrupt(name, QStringLiteral("it does not begin as an index file does, yet the folder holds data "
+                                             "files of securities past the 255th (Fn.MWD)"));
+            if (xmaster->size() < XmasterRecordLength)
+                corrupt(name, QStringLiteral("it is %1 bytes long, shorter than its header").arg(xmaster->size()));
             const int xcount = u16(*xmaster, 10);
-            if (xmaster->size() < qint64(xcount + 1) * XmasterRecordLength)
-                corrupt(name, QStringLiteral("its header counts %1 securities but it holds only %2 bytes")
-                                  .arg(xcount).arg(xmaster->size()));
+            if (u16(*xmaster, 14) != xcount)
+                corrupt(name, QStringLiteral("its header counts %1 securities in one place and %2 in the other")
+                                  .arg(xcount).arg(u16(*xmaster, 14)));
+            if (xmaster->size() != qint64(xcount + 1) * XmasterRecordLength)
+                corrupt(name, QStringLiteral("its header counts %1 securities but it holds %2 bytes, not %3")
+                                  .arg(xcount).arg(xmaster->size()).arg(qint64(xcount + 1) * XmasterRecordLength));
             index.hasXmaster = true;
             index.xmasterHeader = xmaster->left(XmasterRecordLength);
             index.nextExtendedNumber = u16(*xmaster, 18);
@@ -435,7 +501,8 @@ QByteArray emasterRecordOf(const Security& s) {
     return r;
 }
 
-QByteArray xmasterRecordOf(const Security& s) {
+// `shared`: the 8 bytes at 80 that every record of the folder holds alike, empty when none.
+QByteArray xmasterRecordOf(const Security& s, const QByteArray& shared) {
     if (s.xmasterRaw.size() == XmasterRecordLength) {
         QByteArray r = s.xmasterRaw;
         const Security was = readXmasterRecord(r);
@@ -448,6 +515,8 @@ QByteArray xmasterRecordOf(const Security& s) {
     putU16(r, 63, s.interval);
     putU16(r, 65, quint16(s.fileNumber));
     r[70] = char(s.fieldBits >= 0 ? s.fieldBits : 0x7F);
+    if (shared.size() == 8)
+        r.replace(80, 8, shared);
     putXmasterFields(r, s, nullptr);
     return r;
 }
@@ -499,13 +568,26 @@ QByteArray buildXmaster(const Index& index) {
             header.replace(6, 4, index.masterHeader.mid(49, 4));
         std::memcpy(header.data() + 22, Copyright, sizeof(Copyright));
     }
+    // New records take the value of bytes 80..87 that the folder's records hold alike.
+    QByteArray shared;
+    for (const Security& s : index.securities) {
+        if (!s.extended || s.xmasterRaw.size() != XmasterRecordLength)
+            continue;
+        const QByteArray value = s.xmasterRaw.mid(80, 8);
+        if (shared.isNull()) {
+            shared = value;
+        } else if (shared != value) {
+            shared = QByteArray();
+            break;
+        }
+    }
     int next = index.nextExtendedNumber;
     QByteArray body;
     int count = 0;
     for (const Security& s : index.securities) {
         if (!s.extended)
             continue;
-        body += xmasterRecordOf(s);
+        body += xmasterRecordOf(s, shared);
         next = std::max(next, s.fileNumber + 1);
         ++count;
     }

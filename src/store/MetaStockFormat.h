@@ -91,8 +91,19 @@ struct Index {
 };
 
 // Parses the index files. `emaster` and `xmaster` are null when the folder has no such file.
+// `extendedDataFiles`: the folder holds data files of securities past the 255th (Fn.MWD), so that
+// a file named XMASTER that does not read as one is a damaged index, not a foreign file.
 // Raises Failure naming the file and what is wrong with it.
-Index parseIndex(const QByteArray& master, const QByteArray* emaster, const QByteArray* xmaster);
+Index parseIndex(const QByteArray& master, const QByteArray* emaster, const QByteArray* xmaster,
+                 bool extendedDataFiles = false);
+// True for an EMASTER that this store wrote (its header carries the store's own text).
+bool isOwnEmaster(const QByteArray& emaster);
+
+// Text of the index files is Windows-1252.
+QString decodeText(const char* bytes, int length);
+QByteArray encodeText(const QString& text);
+// The first character of `text` that Windows-1252 cannot hold; a null QChar when there is none.
+QChar unstorableCharacter(const QString& text);
 
 // The index files as they are written. EMASTER is built for every security of MASTER.
 QByteArray buildMaster(const Index& index);
@@ -128,6 +139,13 @@ inline constexpr int MaxSymbolLength = 14;
 inline constexpr int MaxNameLength = 45;
 inline constexpr int MaxMasterSecurities = 255;
 inline constexpr int MaxRecords = 65534;
+
+// The most bytes each file can hold; a longer one is refused unread. MASTER and EMASTER may carry
+// one record past their count (a third-party writer leaves one).
+inline constexpr qint64 MaxMasterSize = qint64(MaxMasterSecurities + 2) * MasterRecordLength;
+inline constexpr qint64 MaxEmasterSize = qint64(MaxMasterSecurities + 2) * EmasterRecordLength;
+inline constexpr qint64 MaxXmasterSize = qint64(65536) * XmasterRecordLength;
+qint64 maxDataSize(const Layout& layout);
 
 char periodicityLetter(qint32 code);  // 0 for an unknown code
 qint32 periodicityCode(char letter);  // 1 daily, 2 weekly, 3 monthly, 4 quarterly, 5 yearly, 6 intraday; 0 unknown

@@ -3,6 +3,7 @@
 #include "frame/Failure.h"
 #include "store/StoreFolder.h"
 
+#include <algorithm>
 #include <optional>
 
 using namespace metastock;
@@ -100,6 +101,13 @@ void SecurityReader::OpenSecurity(const QString& symbol) {
     const int i = d->folder->securityWithSymbol(symbol, "SecurityReader::OpenSecurity");
     const Security& s = d->folder->index.securities[size_t(i)];
     std::vector<Record> records = readRecords(d->folder->dataPath(s), s.layout(), s.dataFileName());
+    // Records come oldest first. Files of other writers may hold them out of order or hold a
+    // date twice: they are put in order, and records of one date (and time) stay, side by side
+    // in the order of the file.
+    const bool intraday = s.layout().time;
+    auto key = [intraday](const Record& r) { return std::pair(r.date, intraday ? r.time : 0); };
+    if (!std::is_sorted(records.begin(), records.end(), [&](const Record& a, const Record& b) { return key(a) < key(b); }))
+        std::stable_sort(records.begin(), records.end(), [&](const Record& a, const Record& b) { return key(a) < key(b); });
     d->dropSelection();
     d->selected = i;
     d->records = std::move(records);
@@ -159,5 +167,5 @@ double SecurityReader::GetVolume() const { return d->record("GetVolume").volume;
 qint32 SecurityReader::GetPeriodicity() const { return periodicityCode(d->security("GetPeriodicity").periodicity); }
 
 void SecurityReader::SetRecordMode(qint32) {
-    // Records always come as they lie in the file; the store writes them oldest first.
+    // Records always come oldest first, whatever the mode.
 }

@@ -5,7 +5,10 @@
 #include "store/StoreFiles.h"
 #include "store/StoreFolder.h"
 
+#include <QDir>
+
 #include <algorithm>
+#include <exception>
 #include <map>
 #include <optional>
 
@@ -32,12 +35,22 @@ float valueOf(double value, const char* what, const char* operation) {
     return f;
 }
 
+// Index text is Windows-1252: a character outside it is refused rather than stored as another.
+void requireStorable(const QString& text, const char* what, const char* operation) {
+    const QChar c = unstorableCharacter(text);
+    if (!c.isNull())
+        refuse(QStringLiteral("The %1 \"%2\" holds the character \"%3\", which the store cannot hold.")
+                   .arg(QLatin1String(what), text, QString(c)),
+               operation);
+}
+
 // The symbol for security `self` (-1 for a new one): trimmed, not too long, and held by no other
 // security of the folder.
 QString checkedSymbol(const Folder& folder, const QString& symbol, int self, const char* operation) {
     const QString s = symbol.trimmed();
     if (s.isEmpty())
         refuse(QStringLiteral("A security needs a symbol."), operation);
+    requireStorable(s, "symbol", operation);
     if (s.size() > MaxSymbolLength)
         refuse(QStringLiteral("The symbol \"%1\" is longer than %2 characters.").arg(s).arg(MaxSymbolLength), operation);
     const int holder = folder.findBySymbol(s);
@@ -46,17 +59,29 @@ QString checkedSymbol(const Folder& folder, const QString& symbol, int self, con
     return s;
 }
 
-// The name a security is given: the symbol when none.
-QString nameFor(const QString& name, const QString& symbol) {
+// The name a security is given: the symbol when none, cut to what the index holds.
+QString nameFor(const QString& name, const QString& symbol, const char* operation) {
     const QString n = name.trimmed();
-    return n.isEmpty() ? symbol : n.left(MaxNameLength);
+    requireStorable(n, "name", operation);
+    return n.isEmpty() ? symbol : n.left(MaxNameLength).trimmed();
+}
+
+// A failure with a sentence added that says what it left behind.
+[[noreturn]] void rethrowSaying(const Failure& failure, const QString& outcome) {
+    throw Failure(failure.Number, failure.Description + QLatin1Char(' ') + outcome, failure.Source);
 }
 
 } // namespace
 
 struct SecurityWriter::Impl {
     std::optional<Folder> folder;
-    bool indexDirty = false;  // dates of the index lag behind the records
+    bool indexDirty = false;  // the index in memory differs from the one on disk
+    // Securities created, deleted and renamed since the index was last written: the index files
+    // are written once, when the folder closes, so that making many securities costs little.
+    int created = 0, deleted = 0, renamed = 0;
+    std::vector<QString> newFiles;   // data files made since, to flush before the index lists them
+    std::vector<QString> doomed;     // data files of deleted securities, removed once the index is written
+    int uncaughtAtBirth = std::uncaught_exceptions();
 
     // The selected security.
     int selected = -1;
@@ -110,7 +135,7 @@ struct SecurityWriter::Impl {
         const QString path = dataPath();
         if (!StoreFiles::stamp(path).exists())
             refuse(QStringLiteral("The data file %1 is missing.").arg(s.dataFileName()), "OpenSecurity");
-        QByteArray bytes = StoreFiles::readAll(path);
+        QByteArray bytes = StoreFiles::readAll(path, maxDataSize(layout));
         const int count = dataRecordCount(bytes, bytes.size(), layout, s.dataFileName());
         bytes.truncate(qsizetype(count + 1) * layout.recordLength());
         disk = summaryOf(bytes, layout, count, &dates);
@@ -159,6 +184,20 @@ struct SecurityWriter::Impl {
     void flush() {
         if (pending.empty() || selected < 0)
             return;
+        try {
+            putPending();
+        } catch (const Failure& failure) {
+            const QString symbol = folder->index.securities[size_t(selected)].key();
+            rethrowSaying(failure, pending.size() == 1
+                                       ? QStringLiteral("The change to %1 was not stored.").arg(symbol)
+                                       : QStringLiteral("None of the %1 changes to %2 were stored.")
+                                             .arg(pending.size()).arg(symbol));
+        }
+        pending.clear();
+        noteDates();
+    }
+
+    void putPending() {
         const bool onlyAdds = std::all_of(pending.begin(), pending.end(), [](const auto& p) { return p.second.has_value(); });
         if (onlyAdds && disk.ordered && (disk.count == 0 || pending.begin()->first > disk.lastDate))
             append();
@@ -179,8 +218,6 @@ struct SecurityWriter::Impl {
                 }
                 return changed;
             });
-        pending.clear();
-        noteDates();
     }
 
     void checkCount(qint64 count) const {
@@ -314,33 +351,61 @@ struct SecurityWriter::Impl {
         deselect();
     }
 
-    void closeFolder() {
+    // Writes the index when it differs from the one on disk: the data files made since are
+    // flushed first, so that no index lists a file the disk may not hold, and the data files of
+    // deleted securities go only once no index lists them.
+    void saveIndex() {
+        if (!indexDirty)
+            return;
+        try {
+            StoreFiles::flushFiles(folder->path, newFiles);
+            folder->saveIndex();
+        } catch (const Failure& failure) {
+            const int changed = created + deleted + renamed;
+            rethrowSaying(failure, changed == 0
+                                       ? QStringLiteral("The records are stored; only the dates in the index lag behind.")
+                                       : QStringLiteral("The index was not written: the %1 securities created, deleted "
+                                                        "or renamed since the folder was opened are as they were; "
+                                                        "records added to the others are stored.")
+                                             .arg(changed));
+        }
+        indexDirty = false;
+        created = deleted = renamed = 0;
+        newFiles.clear();
+        for (const QString& name : std::exchange(doomed, {})) {
+            StoreFiles::removeFile(folder->filePath(name));
+            folder->forgetFile(name);
+            folder->doomed.remove(name.toUpper());
+        }
+    }
+
+    void closeFolder(bool unwinding = false) {
         if (!folder)
             return;
         try {
-            closeSecurity();
-            if (indexDirty)
-                folder->saveIndex();
+            if (unwinding)
+                deselect();  // a batch that a failure cut short is not stored
+            else
+                closeSecurity();
+            saveIndex();
         } catch (...) {
-            folder.reset();
-            indexDirty = false;
+            dropFolder();
             throw;
         }
-        folder.reset();
-        indexDirty = false;
+        dropFolder();
     }
 
-    // Writes the index after a change to the securities; when that fails, `undo` takes the change back.
-    template <typename Undo>
-    void saveIndexOrUndo(Undo undo) {
+    void dropFolder() {
+        folder.reset();
+        indexDirty = false;
+        created = deleted = renamed = 0;
+        newFiles.clear();
+        doomed.clear();
+    }
+
+    void changed() {
         folder->securitiesChanged();
-        try {
-            folder->saveIndex();
-        } catch (...) {
-            undo();
-            folder->securitiesChanged();
-            throw;
-        }
+        indexDirty = true;
     }
 
     Record recordOf(qint32 date, double open, double high, double low, double close, double volume,
@@ -360,7 +425,7 @@ SecurityWriter::SecurityWriter() : d(std::make_unique<Impl>()) {}
 
 SecurityWriter::~SecurityWriter() {
     try {
-        d->closeFolder();
+        d->closeFolder(std::uncaught_exceptions() > d->uncaughtAtBirth);
     } catch (...) {
     }
 }
@@ -371,11 +436,12 @@ void SecurityWriter::CreateSecurity(const QString& symbol, const QString& name, 
     const char letter = periodicityLetter(periodicity);
     if (letter == 0)
         refuse(QStringLiteral("%1 is not a periodicity.").arg(periodicity), "CreateSecurity");
+    const QString securityName = nameFor(name, sym, "CreateSecurity");
     d->closeSecurity();
 
     Security s;
     s.symbol = sym;
-    s.name = nameFor(name, sym);
+    s.name = securityName;
     s.periodicity = letter;
     s.fieldCount = 7;
     s.fieldBits = letter == 'I' ? 0xBF : 0x7F;
@@ -390,8 +456,9 @@ void SecurityWriter::CreateSecurity(const QString& symbol, const QString& name, 
     const QString fileName = s.dataFileName();
     const QString path = d->folder->filePath(fileName);
     const Layout layout = s.layout();
-    StoreFiles::replaceFile(path, dataHeader(0, layout));
+    StoreFiles::createFile(path, dataHeader(0, layout));
     d->folder->noteFile(fileName);
+    d->newFiles.push_back(path);
     rememberSummary(path, layout, DataSummary{});
 
     auto& list = d->folder->index.securities;
@@ -399,7 +466,9 @@ void SecurityWriter::CreateSecurity(const QString& symbol, const QString& name, 
     auto at = extended ? list.end() : std::find_if(list.begin(), list.end(), [](const Security& x) { return x.extended; });
     const int position = int(at - list.begin());
     list.insert(at, std::move(s));
-    d->saveIndexOrUndo([&] { list.erase(list.begin() + position); });
+    d->folder->securityInserted(position);
+    d->indexDirty = true;
+    ++d->created;
     d->select(position);
 }
 
@@ -419,7 +488,18 @@ void SecurityWriter::CloseFolder() { d->closeFolder(); }
 
 void SecurityWriter::OpenFolder(const QString& folderPath) {
     d->closeFolder();
-    d->folder = Folder::open(folderPath.trimmed(), false);
+    Folder folder = Folder::open(folderPath.trimmed(), false);
+    // A store whose index files are read-only is not written to at all, whatever the system
+    // would allow.
+    for (const char* name : {"MASTER", "EMASTER", "XMASTER"}) {
+        const QString file = QString::fromLatin1(name);
+        if (folder.hasFile(file) && !(file == QLatin1String("XMASTER") && folder.index.foreignXmaster) &&
+            StoreFiles::isReadOnly(folder.filePath(file)))
+            refuse(QStringLiteral("The folder %1 cannot be written: its file %2 is read-only.")
+                       .arg(QDir::toNativeSeparators(folder.path), file),
+                   "OpenFolder");
+    }
+    d->folder = std::move(folder);
 }
 
 void SecurityWriter::FindSecurity(const QString& name) {
@@ -443,13 +523,19 @@ void SecurityWriter::DeleteSecurity(const QString& symbol) {
     const int i = d->folder->securityWithSymbol(symbol, "SecurityWriter::DeleteSecurity");
     d->closeSecurity();
     auto& list = d->folder->index.securities;
-    const Security gone = list[size_t(i)];
+    const QString path = d->folder->dataPath(list[size_t(i)]);
+    const QString fileName = list[size_t(i)].dataFileName();
+    StoreFiles::requireWritable(path);
+    const Security gone = std::move(list[size_t(i)]);
     list.erase(list.begin() + i);
-    d->saveIndexOrUndo([&] { list.insert(list.begin() + i, gone); });
-    const QString path = d->folder->dataPath(gone);
+    d->folder->securityErased(i, gone);
+    d->indexDirty = true;
+    ++d->deleted;
     forgetSummary(path);
-    StoreFiles::removeFile(path);
-    d->folder->forgetFile(gone.dataFileName());
+    if (d->folder->hasFile(fileName)) {
+        d->doomed.push_back(fileName);
+        d->folder->doomed.insert(fileName.toUpper());
+    }
 }
 
 void SecurityWriter::DeleteQuote(const QString& storeDateText) {
@@ -486,11 +572,12 @@ void SecurityWriter::ChangeSecurity(const QString& oldSymbol, const QString& nam
     d->requireFolder("ChangeSecurity");
     const int i = d->folder->securityWithSymbol(oldSymbol, "SecurityWriter::ChangeSecurity");
     const QString sym = checkedSymbol(*d->folder, symbol, i, "ChangeSecurity");
+    const QString newName = nameFor(name, sym, "ChangeSecurity");
     Security& s = d->folder->index.securities[size_t(i)];
-    const Security was = s;
     s.symbol = sym;
-    s.name = nameFor(name, sym);
-    d->saveIndexOrUndo([&] { d->folder->index.securities[size_t(i)] = was; });
+    s.name = newName;
+    d->changed();
+    ++d->renamed;
 }
 
 bool SecurityWriter::SymbolExists(const QString& symbol) {

@@ -2,7 +2,13 @@
 // Writing a data folder: creating and deleting securities, adding, changing and deleting records.
 // Every operation raises Failure (with a description a user can read) when it cannot do what is
 // asked. Records written with mark -1 and ChangeQuote go through at once; records added with
-// mark 0 and DeleteQuote are kept until SaveQuotes.
+// mark 0 and DeleteQuote are kept until SaveQuotes. A writer released while a failure unwinds
+// drops the batch it holds: a refused batch writes nothing.
+//
+// Creating, deleting and renaming securities changes the index in memory; the index files are
+// written when the folder closes (CloseFolder, the next OpenFolder, or the writer's release), the
+// data files of deleted securities removed after that. A crash before leaves every security as it
+// was. A store whose index files are read-only is refused at OpenFolder.
 
 #include <QString>
 
@@ -22,7 +28,8 @@ public:
     void AddQuote(qint32 storeDate, qint32 mark, double open, double high, double low, double close,
                   double volume, double extra);
     void CloseFolder();
-    // Opens a data folder; an existing folder without a store opens as an empty store.
+    // Opens a data folder. An existing folder without a store opens as an empty store: this is
+    // how a first store is made (its index files come when the folder closes).
     void OpenFolder(const QString& folderPath);
     void FindSecurity(const QString& name);
     void OpenSecurity(const QString& symbol);

@@ -32,7 +32,7 @@ void checkRecords(std::vector<Finding>& out, const Folder& folder, const Securit
     std::vector<Record> records;
     const Layout layout = s.layout();
     try {
-        bytes = StoreFiles::readAll(path);
+        bytes = StoreFiles::readAll(path, maxDataSize(layout));
         records = parseData(bytes, layout, file);
     } catch (const Failure& f) {
         problem(out, QStringLiteral("%1: %2").arg(who, f.Description));

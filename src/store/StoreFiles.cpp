@@ -17,6 +17,9 @@
 #include <cerrno>
 #include <cstring>
 #endif
+#ifdef Q_OS_WIN
+#include <io.h>
+#endif
 
 namespace StoreFiles {
 
@@ -96,14 +99,105 @@ Stamp stamp(const QString& path) {
 
 QString temporaryName(const QString& path) { return path + QLatin1String(TemporarySuffix); }
 
-QByteArray readAll(const QString& path) {
+namespace {
+
+[[noreturn]] void readFailed(const QString& path, const QString& why, int number = FailureNumber::Store) {
+    throw Failure(number, QStringLiteral("The file %1 cannot be opened: %2.").arg(QDir::toNativeSeparators(path), why),
+                  QStringLiteral("StoreFiles::readAll"));
+}
+
+[[noreturn]] void tooLong(const QString& path, qint64 size, qint64 maxSize) {
+    throw Failure(FailureNumber::Store,
+                  QStringLiteral("The file %1 is %2 bytes long, more than such a file can be (%3 bytes).")
+                      .arg(QDir::toNativeSeparators(path))
+                      .arg(size)
+                      .arg(maxSize),
+                  QStringLiteral("StoreFiles::readAll"));
+}
+
+QString notRegular() { return QStringLiteral("it is not a regular file"); }
+
+#ifdef Q_OS_UNIX
+QString systemError(int error) { return QString::fromLocal8Bit(std::strerror(error)); }
+
+// Flushes a file or a folder to the disk.
+bool flushPath(const QByteArray& path, int flags) {
+    const int fd = ::open(path.constData(), flags | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    const bool ok = ::fsync(fd) == 0;
+    ::close(fd);
+    return ok;
+}
+
+void flushFolderOf(const QString& path) {
+    flushPath(QFile::encodeName(QFileInfo(path).absolutePath()), O_RDONLY | O_DIRECTORY);
+}
+#endif
+
+} // namespace
+
+QByteArray readAll(const QString& path, qint64 maxSize) {
+#ifdef Q_OS_UNIX
+    // Opened without waiting, so that a pipe under the name of a store file cannot hang the read.
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        const int error = errno;
+        readFailed(path, systemError(error), error == ENOENT ? FailureNumber::FileNotFound : FailureNumber::Store);
+    }
+    struct stat sb;
+    if (::fstat(fd, &sb) != 0 || !S_ISREG(sb.st_mode)) {
+        ::close(fd);
+        readFailed(path, notRegular());
+    }
+    if (sb.st_size > maxSize) {
+        ::close(fd);
+        tooLong(path, sb.st_size, maxSize);
+    }
+    QByteArray bytes(qsizetype(sb.st_size), Qt::Uninitialized);
+    qsizetype done = 0;
+    while (done < bytes.size()) {
+        const ssize_t got = ::read(fd, bytes.data() + done, size_t(bytes.size() - done));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0) {
+            const int error = errno;
+            ::close(fd);
+            readFailed(path, systemError(error));
+        }
+        if (got == 0)
+            break;  // the file shrank while it was read
+        done += got;
+    }
+    ::close(fd);
+    bytes.truncate(done);
+    return bytes;
+#else
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile())
+        readFailed(path, notRegular());
+    if (info.size() > maxSize)
+        tooLong(path, info.size(), maxSize);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        throw Failure(FailureNumber::FileNotFound,
-                      QStringLiteral("The file %1 cannot be opened: %2.")
-                          .arg(QDir::toNativeSeparators(path), file.errorString()),
-                      QStringLiteral("StoreFiles::readAll"));
-    return file.readAll();
+        readFailed(path, file.errorString(), info.exists() ? FailureNumber::Store : FailureNumber::FileNotFound);
+    const QByteArray bytes = file.read(maxSize + 1);
+    if (bytes.size() > maxSize)
+        tooLong(path, bytes.size(), maxSize);
+    return bytes;
+#endif
+}
+
+bool isReadOnly(const QString& path) {
+    const QFileInfo info(path);
+    return info.exists() && !(info.permissions() & QFileDevice::WriteOwner);
+}
+
+void requireWritable(const QString& path) {
+    if (isReadOnly(path))
+        throw Failure(FailureNumber::Store,
+                      QStringLiteral("The file %1 is read-only.").arg(QDir::toNativeSeparators(path)),
+                      QStringLiteral("StoreFiles::write"));
 }
 
 void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteArray>>& parts) {
@@ -111,7 +205,12 @@ void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteAr
     // Straight to the system: this is the path of every appended record.
     const int fd = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CLOEXEC);
     if (fd < 0)
-        writeFailed(path, QString::fromLocal8Bit(std::strerror(errno)));
+        writeFailed(path, systemError(errno));
+    struct stat sb;
+    if (::fstat(fd, &sb) == 0 && !(sb.st_mode & S_IWUSR)) {
+        ::close(fd);
+        requireWritable(path);
+    }
     for (const auto& [offset, bytes] : parts) {
         Go go;
         try {
@@ -121,16 +220,28 @@ void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteAr
             throw;
         }
         const qsizetype size = go == Go::All ? bytes.size() : bytes.size() / 2;
-        const ssize_t done = ::pwrite(fd, bytes.constData(), size_t(size), off_t(offset));
-        if (done != ssize_t(size) || go == Go::Half) {
-            const int error = errno;
+        qsizetype done = 0;
+        int error = 0;
+        while (done < size) {
+            const ssize_t put = ::pwrite(fd, bytes.constData() + done, size_t(size - done), off_t(offset + done));
+            if (put < 0 && errno == EINTR)
+                continue;
+            if (put <= 0) {
+                // A short write says nothing of its cause; the next try names it (a full disk).
+                error = put < 0 ? errno : ENOSPC;
+                break;
+            }
+            done += put;
+        }
+        if (error != 0 || go == Go::Half) {
             ::close(fd);
-            writeFailed(path, go == Go::Half ? QStringLiteral("the store stopped") : QString::fromLocal8Bit(std::strerror(error)));
+            writeFailed(path, go == Go::Half ? QStringLiteral("the store stopped") : systemError(error));
         }
     }
     if (::close(fd) != 0)
-        writeFailed(path, QString::fromLocal8Bit(std::strerror(errno)));
+        writeFailed(path, systemError(errno));
 #else
+    requireWritable(path);
     QFile file(path);
     if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered))
         writeFailed(path, file.errorString());
@@ -145,24 +256,42 @@ void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteAr
 #endif
 }
 
-void replaceFile(const QString& path, const QByteArray& bytes) {
-    const QString temp = temporaryName(path);
-    {
-        const Go go = beginWrite(temp);
-        QFile file(temp);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-            writeFailed(temp, file.errorString());
-        const QByteArray put = go == Go::All ? bytes : bytes.left(bytes.size() / 2);
-        if (file.write(put) != put.size() || !file.flush()) {
-            const QString why = file.errorString();
-            file.close();
-            QFile::remove(temp);
-            writeFailed(temp, why);
-        }
+namespace {
+
+// Writes a whole file at `path` (made or truncated); with `flush`, to the disk before it returns.
+void putFile(const QString& path, const QByteArray& bytes, Go go, bool flush) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        writeFailed(path, file.errorString());
+    const QByteArray put = go == Go::All ? bytes : bytes.left(bytes.size() / 2);
+    bool ok = file.write(put) == put.size() && file.flush();
+#if defined(Q_OS_UNIX)
+    if (ok && flush && ::fsync(file.handle()) != 0)
+        ok = false;
+#elif defined(Q_OS_WIN)
+    if (ok && flush && ::_commit(file.handle()) != 0)
+        ok = false;
+#else
+    Q_UNUSED(flush);
+#endif
+    if (!ok) {
+        const QString why = file.error() == QFileDevice::NoError ? QStringLiteral("the disk did not take it")
+                                                                : file.errorString();
         file.close();
-        if (go == Go::Half)
-            writeFailed(temp, QStringLiteral("the store stopped"));
+        QFile::remove(path);
+        writeFailed(path, why);
     }
+    file.close();
+    if (go == Go::Half)
+        writeFailed(path, QStringLiteral("the store stopped"));
+}
+
+} // namespace
+
+void replaceFile(const QString& path, const QByteArray& bytes) {
+    requireWritable(path);
+    const QString temp = temporaryName(path);
+    putFile(temp, bytes, beginWrite(temp), true);
     try {
         beginWrite(path);
     } catch (const Failure&) {
@@ -177,6 +306,46 @@ void replaceFile(const QString& path, const QByteArray& bytes) {
         QFile::remove(temp);
         writeFailed(path, QString::fromStdString(ec.message()));
     }
+#ifdef Q_OS_UNIX
+    flushFolderOf(path);
+#endif
+}
+
+void createFile(const QString& path, const QByteArray& bytes) {
+    requireWritable(path);
+    putFile(path, bytes, beginWrite(path), false);
+}
+
+void flushFiles(const QString& folder, const std::vector<QString>& paths) {
+    if (paths.empty())
+        return;
+#ifdef Q_OS_UNIX
+#ifdef Q_OS_LINUX
+    // One flush of the file system costs less than one for each of many small files.
+    if (paths.size() > 8) {
+        const int fd = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (fd >= 0) {
+            const int done = ::syncfs(fd);
+            ::close(fd);
+            if (done == 0)
+                return;
+        }
+    }
+#endif
+    for (const QString& path : paths)
+        flushPath(QFile::encodeName(path), O_RDONLY);
+    flushPath(QFile::encodeName(folder), O_RDONLY | O_DIRECTORY);
+#else
+    for (const QString& path : paths) {
+        QFile file(path);
+        if (file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly)) {
+#ifdef Q_OS_WIN
+            ::_commit(file.handle());
+#endif
+        }
+    }
+    Q_UNUSED(folder);
+#endif
 }
 
 void removeFile(const QString& path) {

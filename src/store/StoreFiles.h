@@ -22,13 +22,25 @@ struct Stamp {
 };
 Stamp stamp(const QString& path);
 
-// Whole file; raises Failure (FileNotFound) when it cannot be read.
-QByteArray readAll(const QString& path);
+// Whole file; raises Failure (FileNotFound) when it cannot be read, and Failure when it is not a
+// regular file (a pipe, a device) or is longer than `maxSize`, the most its format allows.
+QByteArray readAll(const QString& path, qint64 maxSize);
+
+// A file whose owner may not write it (the read-only attribute on Windows). The store refuses to
+// write such a file, or to replace it, even where the system would let it.
+bool isReadOnly(const QString& path);
+// Raises Failure naming the file when isReadOnly().
+void requireWritable(const QString& path);
 
 // Writes each part at its offset into an existing file; each part is one write.
 void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteArray>>& parts);
-// Replaces (or makes) a file through a temporary file beside it and a rename: two writes.
+// Replaces (or makes) a file through a temporary file beside it and a rename: two writes. The
+// temporary file is flushed to the disk before the rename, and the folder after it.
 void replaceFile(const QString& path, const QByteArray& bytes);
+// Makes a new file, or overwrites `path` when it exists; one write, not flushed (see flushFiles).
+void createFile(const QString& path, const QByteArray& bytes);
+// Flushes files made by createFile() to the disk, and the folder that lists them.
+void flushFiles(const QString& folder, const std::vector<QString>& paths);
 // Removes a file; one write. A missing file is no failure.
 void removeFile(const QString& path);
 

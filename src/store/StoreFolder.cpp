@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSet>
 
 namespace metastock {
@@ -50,24 +51,41 @@ Folder Folder::open(const QString& path, bool requireStore) {
                           QStringLiteral("The folder %1 holds no MetaStock Files: it has no MASTER file.")
                               .arg(native(f.path)),
                           QStringLiteral("Folder::open"));
-        for (const char* other : {"EMASTER", "XMASTER"})
-            if (f.hasFile(QString::fromLatin1(other)))
-                throw Failure(FailureNumber::Store,
-                              QStringLiteral("The folder %1 has an %2 file but no MASTER file; it is left as it is.")
-                                  .arg(native(f.path), QString::fromLatin1(other)),
-                              QStringLiteral("Folder::open"));
+        for (const char* other : {"EMASTER", "XMASTER"}) {
+            const QString name = QString::fromLatin1(other);
+            if (!f.hasFile(name))
+                continue;
+            // The first write into a folder puts EMASTER down just before MASTER: an EMASTER of
+            // our own without a MASTER is what a first write that did not finish leaves, and
+            // the folder is as empty as it was before it.
+            if (name == QLatin1String("EMASTER")) {
+                try {
+                    if (isOwnEmaster(StoreFiles::readAll(f.filePath(name), MaxEmasterSize)))
+                        continue;
+                } catch (const Failure&) {
+                }
+            }
+            throw Failure(FailureNumber::Store,
+                          QStringLiteral("The folder %1 has an %2 file but no MASTER file; it is left as it is.")
+                              .arg(native(f.path), name),
+                          QStringLiteral("Folder::open"));
+        }
         return f;
     }
     try {
-        const QByteArray master = StoreFiles::readAll(f.filePath(QStringLiteral("MASTER")));
+        const QByteArray master = StoreFiles::readAll(f.filePath(QStringLiteral("MASTER")), MaxMasterSize);
         QByteArray emaster, xmaster;
         const bool hasE = f.hasFile(QStringLiteral("EMASTER"));
         const bool hasX = f.hasFile(QStringLiteral("XMASTER"));
         if (hasE)
-            emaster = StoreFiles::readAll(f.filePath(QStringLiteral("EMASTER")));
+            emaster = StoreFiles::readAll(f.filePath(QStringLiteral("EMASTER")), MaxEmasterSize);
         if (hasX)
-            xmaster = StoreFiles::readAll(f.filePath(QStringLiteral("XMASTER")));
-        f.index = parseIndex(master, hasE ? &emaster : nullptr, hasX ? &xmaster : nullptr);
+            xmaster = StoreFiles::readAll(f.filePath(QStringLiteral("XMASTER")), MaxXmasterSize);
+        bool extendedFiles = false;
+        static const QRegularExpression extendedName(QStringLiteral("^F[0-9]+\\.MWD$"));
+        for (auto it = f.names_.cbegin(); hasX && !extendedFiles && it != f.names_.cend(); ++it)
+            extendedFiles = extendedName.match(it.key()).hasMatch();
+        f.index = parseIndex(master, hasE ? &emaster : nullptr, hasX ? &xmaster : nullptr, extendedFiles);
     } catch (const Failure& failure) {
         throw Failure(failure.Number,
                       QStringLiteral("%1 (folder %2)").arg(failure.Description, native(f.path)), failure.Source);
@@ -140,8 +158,10 @@ int Folder::findBySymbol(const QString& symbol) const {
     if (!symbolsKnown_) {
         symbols_.clear();
         upperSymbols_.clear();
+        sharedSymbols_ = false;
         for (size_t i = 0; i < index.securities.size(); ++i) {
             const QString key = index.securities[i].key();
+            sharedSymbols_ = sharedSymbols_ || upperSymbols_.contains(key.toUpper());
             symbols_.insert(key, symbols_.value(key, int(i)));
             upperSymbols_.insert(key.toUpper(), upperSymbols_.value(key.toUpper(), int(i)));
         }
@@ -152,6 +172,50 @@ int Folder::findBySymbol(const QString& symbol) const {
         return -1;
     const int exact = symbols_.value(wanted, -1);
     return exact >= 0 ? exact : upperSymbols_.value(wanted.toUpper(), -1);
+}
+
+void Folder::securityInserted(int position) {
+    if (numbersKnown_) {
+        const Security& s = index.securities[size_t(position)];
+        numbers_.insert(s.fileNumber);
+        highestNumber_ = std::max(highestNumber_, s.fileNumber);
+        if (!s.extended)
+            highestMaster_ = std::max(highestMaster_, s.fileNumber);
+    }
+    // The common case, a security added at the end, keeps the symbol tables.
+    if (!symbolsKnown_ || position != int(index.securities.size()) - 1) {
+        symbolsKnown_ = false;
+        return;
+    }
+    const QString key = index.securities[size_t(position)].key();
+    sharedSymbols_ = sharedSymbols_ || upperSymbols_.contains(key.toUpper());
+    if (!symbols_.contains(key))
+        symbols_.insert(key, position);
+    if (!upperSymbols_.contains(key.toUpper()))
+        upperSymbols_.insert(key.toUpper(), position);
+}
+
+void Folder::securityErased(int position, const Security& security) {
+    numbers_.remove(security.fileNumber);
+    if (!symbolsKnown_)
+        return;
+    // Later securities move up by one. Where two securities share a symbol (third-party folders),
+    // the tables are made anew from the list.
+    if (sharedSymbols_) {
+        symbolsKnown_ = false;
+        return;
+    }
+    for (QHash<QString, int>* table : {&symbols_, &upperSymbols_}) {
+        for (auto it = table->begin(); it != table->end();) {
+            if (it.value() == position) {
+                it = table->erase(it);
+                continue;
+            }
+            if (it.value() > position)
+                --it.value();
+            ++it;
+        }
+    }
 }
 
 int Folder::findByName(const QString& name) const {
@@ -185,21 +249,40 @@ int Folder::securityNamed(const QString& name, const char* source) const {
 }
 
 std::pair<int, bool> Folder::newFileNumber() const {
-    QSet<int> used;
-    for (const Security& s : index.securities)
-        used.insert(s.fileNumber);
-    auto freeNumber = [&](int n, bool extended) { return !used.contains(n) && !hasFile(dataFileName(n, extended)); };
+    if (!numbersKnown_) {
+        numbers_.clear();
+        highestNumber_ = highestMaster_ = 0;
+        for (const Security& s : index.securities) {
+            numbers_.insert(s.fileNumber);
+            highestNumber_ = std::max(highestNumber_, s.fileNumber);
+            if (!s.extended)
+                highestMaster_ = std::max(highestMaster_, s.fileNumber);
+        }
+        numbersKnown_ = true;
+    }
+    const QSet<int>& used = numbers_;
+    // A data file that no security lists and that holds no record (what a create that did not
+    // finish leaves) is no loss to take over.
+    auto freeNumber = [&](int n, bool extended) {
+        if (used.contains(n))
+            return false;
+        const QString name = dataFileName(n, extended);
+        if (doomed.contains(name.toUpper()))
+            return false;
+        if (!hasFile(name))
+            return true;
+        const qint64 size = StoreFiles::stamp(filePath(name)).size;
+        return size >= 0 && size <= 32;
+    };
     if (index.masterCount() < MaxMasterSecurities) {
-        const int next = index.highestMasterNumber + 1;
+        const int next = std::max(index.highestMasterNumber, highestMaster_) + 1;
         if (next <= MaxMasterSecurities && freeNumber(next, false))
             return {next, false};
         for (int n = 1; n <= MaxMasterSecurities; ++n)
             if (freeNumber(n, false))
                 return {n, false};
     }
-    int n = std::max(index.nextExtendedNumber, MaxMasterSecurities + 1);
-    for (int u : used)
-        n = std::max(n, u + 1);
+    int n = std::max({index.nextExtendedNumber, MaxMasterSecurities + 1, highestNumber_ + 1});
     while (n <= 65535 && !freeNumber(n, true))
         ++n;
     if (n > 65535)
@@ -256,11 +339,11 @@ DataSummary summaryOf(const QByteArray& bytes, const Layout& layout, int count, 
 }
 
 std::vector<Record> readRecords(const QString& path, const Layout& layout, const QString& fileName) {
-    if (!QFileInfo(path).isFile())
+    if (!QFileInfo::exists(path))
         throw Failure(FailureNumber::FileNotFound,
                       QStringLiteral("The data file %1 is missing.").arg(native(path)),
                       QStringLiteral("readRecords"));
-    const QByteArray bytes = StoreFiles::readAll(path);
+    const QByteArray bytes = StoreFiles::readAll(path, maxDataSize(layout));
     return parseData(bytes, layout, fileName);
 }
 
@@ -275,7 +358,7 @@ DataSummary summarize(const QString& path, const Layout& layout, const QString& 
         it->intraday == layout.time)
         return it->summary;
     // Dates (and times) alone: a list of a big folder asks this of every security.
-    const QByteArray bytes = StoreFiles::readAll(path);
+    const QByteArray bytes = StoreFiles::readAll(path, maxDataSize(layout));
     const DataSummary s = summaryOf(bytes, layout, dataRecordCount(bytes, bytes.size(), layout, fileName));
     cache().insert(path, CachedSummary{now, layout.recordLength(), layout.time, s});
     return s;

@@ -5,6 +5,7 @@
 #include "store/MetaStockFormat.h"
 
 #include <QHash>
+#include <QSet>
 #include <QString>
 
 #include <vector>
@@ -42,7 +43,14 @@ public:
     // -1 when none (always for a blank symbol). Exact match first, then one without regard to case.
     int findBySymbol(const QString& symbol) const;
     // To be called whenever the list of securities or a symbol changed.
-    void securitiesChanged() { symbolsKnown_ = false; }
+    void securitiesChanged() {
+        symbolsKnown_ = false;
+        numbersKnown_ = false;
+    }
+    // To be called when a security was put into the list at `position`, or taken out of it
+    // (`security` is the one taken out).
+    void securityInserted(int position);
+    void securityErased(int position, const Security& security);
     int findByName(const QString& name) const;
     // As the two above, but a security the folder lacks raises Failure with `source` ("Class::Operation").
     int securityWithSymbol(const QString& symbol, const char* source) const;
@@ -52,11 +60,20 @@ public:
     // folder cannot take one more.
     std::pair<int, bool> newFileNumber() const;
 
+    // Upper-case names of data files that go once the index no longer lists them; their numbers
+    // are not free until then.
+    QSet<QString> doomed;
+
 private:
     QHash<QString, QString> names_;  // upper-case name -> name on disk
     mutable bool symbolsKnown_ = false;
     mutable QHash<QString, int> symbols_;       // symbol -> first security of it
     mutable QHash<QString, int> upperSymbols_;  // upper-case symbol -> first security of it
+    mutable bool sharedSymbols_ = false;        // two securities go by one symbol
+    mutable bool numbersKnown_ = false;
+    mutable QSet<int> numbers_;                 // file numbers of the securities
+    mutable int highestNumber_ = 0;
+    mutable int highestMaster_ = 0;             // of the securities in MASTER
 };
 
 // The summary of a data file, from a cache that is checked against the file's size and time.

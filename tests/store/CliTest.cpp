@@ -119,6 +119,8 @@ TEST(Cli, ImportRefusesABadFileAndWritesNothing) {
         "Date,Open,High,Low,Close,Volume\n20050808,1,1,1,1,1\n20050809,1,1,1,1\n",
         "Date,Open,High,Low,Close,Volume\n20050832,1,1,1,1,1\n",
         "Date,Open,High,Low,Close,Volume\n20050808,1,one,1,1,1\n",
+        // Rows that read as numbers, the last of which the store cannot hold: none is written.
+        "Date,Open,High,Low,Close,Volume\n20050808,1,1,1,1,1\n20050809,1,1,1,1,1\n20050810,1e39,1,1,1,1\n",
     };
     for (const QByteArray& content : files) {
         writeTextFile(folder.file(QStringLiteral("bad.csv")), content);

@@ -7,6 +7,7 @@
 #include "support/TestSupport.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <map>
 
@@ -41,8 +42,9 @@ void restore(const QString& folder, const std::map<QString, QByteArray>& files) 
 // Runs `run` on a copy of `base` once with no fault, to count its writes, and then once for
 // each of its writes failing, stopping the store dead, or torn in half; `verify` checks each
 // folder left behind.
+// `mayHoldNoStore`: `base` holds no store, and a folder left without one is as it was.
 void atEveryWrite(const QString& base, const std::function<void(const QString&)>& run,
-                  const std::function<void(const QString&)>& verify) {
+                  const std::function<void(const QString&)>& verify, bool mayHoldNoStore = false) {
     const auto files = snapshot(base);
     TempFolder folder;
     copyFolder(base, folder.path());
@@ -59,7 +61,8 @@ void atEveryWrite(const QString& base, const std::function<void(const QString&)>
             StoreFiles::armFault(k, fault);
             run(folder.path());
             StoreFiles::disarmFault();
-            expectCheckedClean(folder.path());
+            if (!mayHoldNoStore || QFileInfo::exists(folder.file(QStringLiteral("MASTER"))))
+                expectCheckedClean(folder.path());
             verify(folder.path());
             if (::testing::Test::HasFailure())
                 return;
@@ -235,4 +238,34 @@ TEST_F(StoreFaults, TheSecurityThatOpensXmasterCanFailAtEveryWrite) {
             EXPECT_EQ(listed.back().file, QStringLiteral("F256.MWD"));
         }
     });
+}
+
+TEST_F(StoreFaults, TheFirstCreateInAnEmptyFolderCanStopAtEveryWrite) {
+    TempFolder base;
+    auto create = [](const QString& folder) {
+        SecurityWriter w;
+        passOver([&] { w.OpenFolder(folder); });
+        passOver([&] {
+            w.CreateSecurity(QStringLiteral("NEW"), QStringLiteral("NEW"), 1);
+            w.AddQuote(20050801, 0, 0, 0, 0, 0, 0, 0);
+            w.DeleteQuote(QStringLiteral("20050801"));
+            w.CloseSecurity();
+        });
+        passOver([&] { w.CloseFolder(); });
+    };
+    atEveryWrite(base.path(), create, [](const QString& folder) {
+        // Never a folder the program refuses: the security is there, or the same create makes it.
+        SecurityWriter w;
+        w.OpenFolder(folder);
+        if (!w.SymbolExists(QStringLiteral("NEW"))) {
+            w.CreateSecurity(QStringLiteral("NEW"), QStringLiteral("NEW"), 1);
+            w.AddQuote(20050801, -1, 1, 1, 1, 1, 1, -1);
+        }
+        w.CloseFolder();
+        const auto listed = listFolder(folder);
+        ASSERT_EQ(listed.size(), 1u);
+        EXPECT_EQ(listed[0].symbol, QStringLiteral("NEW"));
+        EXPECT_EQ(listed[0].file, QStringLiteral("F1.DAT"));  // a file left empty is taken over
+        expectCheckedClean(folder);
+    }, true);
 }

@@ -43,6 +43,7 @@ const Fixture Fixtures[] = {
      {{0, "ASR", "F1.DAT"}, {254, "RAT", "F255.DAT"}, {255, "RCF", "F256.MWD"}, {461, "TMEAZA", "F462.MWD"}},
      {{"ASR", "A.S. ROMA", "F1.DAT", 20100104, 20100709, 127},
       {"RCSR", "RCS MEDIAGROUP R", "F258.MWD", 20100104, 20100709, 132},
+      {"IS-PU", "IS-pubblica utilit\u00E0", "F388.MWD", 20100104, 20100205, 24},  // E0 in Windows-1252
       {"TMEAZA", "TMEAZA", "F462.MWD", 20100524, 20100623, 14}},
      {{"ASR", 0, {20100104, 0.8565f, 0.865f, 0.8495f, 0.8605f, 203038}},
       {"ASR", 126, {20100709, 1.01f, 1.026f, 0.9265f, 0.939f, 2956970}}}},
@@ -60,15 +61,15 @@ const Fixture Fixtures[] = {
      {{"2HR.DE", 0, {20131115, 8.585f, 8.65f, 8.585f, 8.65f, 1713}},
       {"2HR.DE", 1, {20131115, 8.591f, 8.591f, 8.59f, 8.59f, 296}}}},
     // Six fields; a blank symbol goes by the name; the junk record past MASTER's count is no
-    // security; records out of order and doubled, as in the file.
+    // security; records the file holds out of order come in date order, a doubled date twice.
     {"third-party", 25,
      {{0, "APX", "F1.DAT"}, {1, "AR", "F2.DAT"}},
      {{"APX", "APX", "F1.DAT", 19840312, 20130110, 4208},
       {"AR", "AR", "F2.DAT", 19941010, 20130110, 3555},
       {"OV", "OV", "F15.DAT", 19830103, 20130110, 5123}},
      {{"OV", 0, {19830103, 0.007325776f, 0.007325776f, 0.007254751f, 0.007325776f, 900000}},
-      {"OV", 369, {19870320, 0.0020666393f, 0.0020666393f, 0.0020666393f, 0.0020666393f, 1.5e9f}},
-      {"OV", 370, {19870315, 0.0022061046f, 0.0022061046f, 0.0021975816f, 0.0022061046f, 28800000}},
+      {"OV", 366, {19870315, 0.0022061046f, 0.0022061046f, 0.0021975816f, 0.0022061046f, 28800000}},
+      {"OV", 370, {19870320, 0.0020666393f, 0.0020666393f, 0.0020666393f, 0.0020666393f, 1.5e9f}},
       {"OV", 3134, {20020814, 0.00304f, 0.00304f, 0.00304f, 0.00304f, 2e6f}},
       {"OV", 3135, {20020814, 0.00304f, 0.00304f, 0.00304f, 0.00304f, 2e6f}}}},
 };
@@ -91,12 +92,17 @@ TEST(FixtureFolders, ListingHeadersAndRecordsAreWhatTheFoldersHold) {
             SecurityReader r;
             r.OpenFolder(folder);
             r.OpenSecurity(QString::fromLatin1(e.symbol));
-            EXPECT_EQ(r.GetName(), QString::fromLatin1(e.name)) << e.symbol;
+            EXPECT_EQ(r.GetName(), QString::fromUtf8(e.name)) << e.symbol;
             EXPECT_EQ(r.GetFileName(), QString::fromLatin1(e.file)) << e.symbol;
             EXPECT_EQ(r.GetFirstDate(), e.first) << e.symbol;
             EXPECT_EQ(r.GetLastDate(), e.last) << e.symbol;
             EXPECT_EQ(r.GetRecordCount(), e.records) << e.symbol;
             EXPECT_EQ(r.GetPeriodicity(), e.periodicity) << e.symbol;
+        }
+        // Records come oldest first in every security, whatever order its file holds them in.
+        for (const Listed& l : listed) {
+            const auto dates = readDates(folder, l.symbol);
+            EXPECT_TRUE(std::is_sorted(dates.begin(), dates.end())) << l.symbol.toStdString();
         }
         for (const auto& [symbol, at, bar] : f.bars) {
             const auto bars = readBars(folder, QString::fromLatin1(symbol));
@@ -122,10 +128,10 @@ TEST(FixtureFolders, WriteIntoAThirdPartySecurityLeavesItSortedWithOneRecordADat
     for (const Bar& b : before)
         unique.insert(b.date);
     EXPECT_EQ(readDates(temp.path(), QStringLiteral("OV")), std::vector<qint32>(unique.begin(), unique.end()));
-    // The record that came out of order kept its values.
+    // The record that the file held out of order kept its values.
     const auto moved = std::find_if(after.begin(), after.end(), [](const Bar& b) { return b.date == 19870315; });
     ASSERT_NE(moved, after.end());
-    EXPECT_EQ(*moved, before[370]);
+    EXPECT_EQ(*moved, before[366]);
     // The other securities are untouched, and the folder is still MASTER only.
     EXPECT_EQ(readBars(temp.path(), QStringLiteral("AR")),
               readBars(metastockFixture(QStringLiteral("third-party")), QStringLiteral("AR")));
@@ -167,6 +173,19 @@ TEST(FixtureFolders, WritingKeepsMixedCaseNamesPerFolderValuesAndUnknownFields) 
 
     EXPECT_EQ(listFolder(temp.path())[255].name, QStringLiteral("RCF GROUP SPA"));
     EXPECT_EQ(readDates(temp.path(), QStringLiteral("ASR")).back(), 20100712);
+}
+
+TEST(FixtureFolders, ANewXmasterRecordTakesTheValueEveryVendorRecordHoldsAt80) {
+    REQUIRE_FIXTURE("vendor-xmaster");
+    TempFolder temp;
+    ASSERT_TRUE(copyFixture(QStringLiteral("vendor-xmaster"), temp.path()));
+    const QByteArray x0 = readFileBytes(temp.file(QStringLiteral("Xmaster")));
+    writeFolder(temp.path(), [](SecurityWriter& w) { w.CreateSecurity(QStringLiteral("NEWX"), QString(), 1); });
+    const QByteArray x1 = readFileBytes(temp.file(QStringLiteral("Xmaster")));
+    ASSERT_EQ(x1.size(), x0.size() + 150);
+    EXPECT_EQ(x1.left(x0.size()).mid(150), x0.mid(150));
+    EXPECT_EQ(x1.mid(x0.size() + 80, 8).toHex(), x0.mid(150 + 80, 8).toHex());
+    EXPECT_EQ(x1.mid(x0.size() + 1, 5), QByteArray("NEWX\0", 5));
 }
 
 TEST(FixtureFolders, AForeignXmasterIsLeftAloneWhileMasterTakesNewSecurities) {

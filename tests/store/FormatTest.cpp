@@ -2,11 +2,15 @@
 #include "StoreHelpers.h"
 #include "frame/Failure.h"
 #include "store/MetaStockFormat.h"
+#include "store/StoreCheck.h"
+#include "store/StoreFiles.h"
 #include "support/TestSupport.h"
 
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+
+#include <sys/stat.h>
 
 #include <cmath>
 #include <cstring>
@@ -140,10 +144,39 @@ TEST(IndexBytes, NewSecurityIsWrittenAsTheVendorWritesIt) {
               (date + mbf(1) + mbf(2) + mbf(0.5f) + mbf(1.5f) + mbf(100) + QByteArray(4, '\0')).toHex(' '));
 }
 
+TEST(IndexBytes, TextIsWindows1252AndACutNameEndsInNul) {
+    TempFolder folder;
+    // The cut to 16 and to 45 characters falls after a blank.
+    const QString cutAt16 = QStringLiteral("HINDUSTAN LEVER LTD");
+    const QString cutAt45 = QStringLiteral("A NAME OF FORTY-FOUR CHARACTERS AND A BLANK, THEN MORE");
+    ASSERT_EQ(cutAt45.at(44), QLatin1Char(' '));
+    writeFolder(folder.path(), [&](SecurityWriter& w) {
+        w.CreateSecurity(QStringLiteral("€UR"), QStringLiteral("Société Générale"), 1);
+        w.CreateSecurity(QStringLiteral("HUL"), cutAt16, 1);
+        w.CreateSecurity(QStringLiteral("LONG"), cutAt45, 1);
+    });
+    const QByteArray master = readFileBytes(folder.file(QStringLiteral("MASTER")));
+    EXPECT_EQ(master.mid(53 + 36, 4), QByteArray("\x80UR ", 4));
+    EXPECT_EQ(master.mid(53 + 7, 16), QByteArray("Soci\xE9t\xE9 G\xE9n\xE9rale"));
+    const QByteArray emaster = readFileBytes(folder.file(QStringLiteral("EMASTER")));
+    EXPECT_EQ(emaster.mid(192 + 11, 4), QByteArray("\x80UR\0", 4));
+    EXPECT_EQ(emaster.mid(2 * 192 + 32, 16), QByteArray("HINDUSTAN LEVER\0", 16));
+    EXPECT_EQ(emaster.mid(2 * 192 + 139, 20), text("HINDUSTAN LEVER LTD", 20, '\0'));
+    EXPECT_EQ(emaster.mid(3 * 192 + 139, 45), cutAt45.left(44).toLatin1() + QByteArray(1, '\0'));
+
+    const auto listed = listFolder(folder.path());
+    ASSERT_EQ(listed.size(), 3u);
+    EXPECT_EQ(listed[0].symbol, QStringLiteral("€UR"));
+    EXPECT_EQ(listed[0].name, QStringLiteral("Société Générale"));
+    EXPECT_EQ(listed[2].name, cutAt45.left(44));
+    EXPECT_EQ(readBars(folder.path(), QStringLiteral("€UR")), std::vector<Bar>{});
+}
+
 TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
     TempFolder folder;
     const QString longName = QStringLiteral("A NAME OF FORTY-FIVE CHARACTERS, NOT MORE!..");
     ASSERT_EQ(longName.size(), 44);
+    StoreFiles::disarmFault();
     writeFolder(folder.path(), [&](SecurityWriter& w) {
         for (int i = 1; i <= 300; ++i) {
             const QString sym = QStringLiteral("S%1").arg(i, 3, 10, QLatin1Char('0'));
@@ -153,6 +186,9 @@ TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
             w.CloseSecurity();
         }
     });
+    // Creating N securities in one open folder costs O(N) writes: one for each data file and each
+    // record batch, and the index files once.
+    EXPECT_LE(StoreFiles::writeCount(), 300 * 3 + 6);
     EXPECT_FALSE(QFileInfo::exists(folder.file(QStringLiteral("F256.DAT"))));
     const QByteArray xmaster = readFileBytes(folder.file(QStringLiteral("XMASTER")));
     ASSERT_EQ(xmaster.size(), 46 * 150);
@@ -185,6 +221,9 @@ TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
     EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("MASTER"))).mid(50 * 53 + 7, 16), longName.left(16).toLatin1());
 }
 
+// What a file of a folder can be instead of a file the format allows.
+enum class Stand { Bytes, Pipe, DeviceLink, Huge };
+
 TEST(CorruptFolders, AreRefusedClearlyAndNeverWritten) {
     const QByteArray emptyXmaster = QByteArray("\x5D\xFE\x58\x4D", 4) + QByteArray(146, '\0');
     const struct {
@@ -194,6 +233,7 @@ TEST(CorruptFolders, AreRefusedClearlyAndNeverWritten) {
         int at;            // else these bytes are written at this offset
         QByteArray bytes;
         bool folderOpens;  // the index is fine, a data file is not
+        Stand stand = Stand::Bytes;
     } cases[] = {
         {"empty MASTER", "MASTER", 0, 0, {}, false},
         {"MASTER cut inside a record", "MASTER", 100, 0, {}, false},
@@ -208,6 +248,12 @@ TEST(CorruptFolders, AreRefusedClearlyAndNeverWritten) {
         {"data file counts beyond its size", "F1.DAT", -1, 2, QByteArray("\x09\x00", 2), true},
         {"data file shorter than its header", "F1.DAT", 10, 0, {}, true},
         {"data file missing", "F1.DAT", -2, 0, {}, true},
+        // Only regular files are read, and none past the size its format allows.
+        {"EMASTER a pipe", "EMASTER", -2, 0, {}, false, Stand::Pipe},
+        {"MASTER a link to an endless device", "MASTER", -2, 0, {}, false, Stand::DeviceLink},
+        {"data file a pipe", "F1.DAT", -2, 0, {}, true, Stand::Pipe},
+        {"data file longer than 65,534 records", "F1.DAT", -2, 0, {}, true, Stand::Huge},
+        {"MASTER longer than 255 securities and a spare", "MASTER", -2, 0, {}, false, Stand::Huge},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -217,7 +263,13 @@ TEST(CorruptFolders, AreRefusedClearlyAndNeverWritten) {
         QByteArray bytes = readFileBytes(path);
         if (c.cutTo == -2)
             QFile::remove(path);
-        else
+        if (c.stand == Stand::Pipe)
+            ASSERT_EQ(::mkfifo(QFile::encodeName(path).constData(), 0644), 0);
+        else if (c.stand == Stand::DeviceLink)
+            ASSERT_TRUE(QFile::link(QStringLiteral("/dev/zero"), path));
+        else if (c.stand == Stand::Huge)
+            writeTextFile(path, QByteArray(c.folderOpens ? 65536 * 28 + 1 : 257 * 53 + 1, '\0'));
+        else if (c.cutTo != -2)
             writeTextFile(path, c.cutTo >= 0 ? bytes.left(c.cutTo) : bytes.replace(c.at, c.bytes.size(), c.bytes));
         const auto before = snapshot(folder.path());
 
@@ -228,6 +280,11 @@ TEST(CorruptFolders, AreRefusedClearlyAndNeverWritten) {
             r.OpenSecurity(QStringLiteral("AAA"));
         });
         EXPECT_NE(failure.find(c.file), std::string::npos) << failure;
+        if (c.stand == Stand::Pipe || c.stand == Stand::DeviceLink) {
+            EXPECT_NE(failure.find("not a regular file"), std::string::npos) << failure;
+        } else if (c.stand == Stand::Huge) {
+            EXPECT_NE(failure.find("more than such a file can be"), std::string::npos) << failure;
+        }
         // The reader stays usable: BBB reads where the index is sound.
         if (c.folderOpens) {
             r.OpenSecurity(QStringLiteral("BBB"));
@@ -244,4 +301,58 @@ TEST(CorruptFolders, AreRefusedClearlyAndNeverWritten) {
         }
         EXPECT_EQ(snapshot(folder.path()), before);
     }
+}
+
+TEST(CorruptFolders, ADamagedXmasterIsRefusedAndCheckReportsIt) {
+    TempFolder base;
+    writeFolder(base.path(), [](SecurityWriter& w) {
+        for (int i = 1; i <= 260; ++i)
+            w.CreateSecurity(QStringLiteral("S%1").arg(i), QString(), 1);
+    });
+    const QByteArray xmaster = readFileBytes(base.file(QStringLiteral("XMASTER")));
+    ASSERT_EQ(xmaster.size(), 6 * 150);
+    const struct {
+        const char* what;
+        QByteArray bytes;
+    } cases[] = {
+        {"cut below its header", xmaster.left(100)},
+        {"emptied", QByteArray()},
+        {"first byte changed", QByteArray(xmaster).replace(0, 1, "\x00")},
+        {"count lowered", QByteArray(xmaster).replace(10, 1, "\x03").replace(14, 1, "\x03")},
+        {"one count lowered", QByteArray(xmaster).replace(14, 1, "\x03")},
+        {"a record past its count", xmaster + xmaster.mid(150, 150)},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        TempFolder folder;
+        copyFolder(base.path(), folder.path());
+        writeTextFile(folder.file(QStringLiteral("XMASTER")), c.bytes);
+        const auto before = snapshot(folder.path());
+
+        // Not read short: the reader refuses the folder and names the file.
+        SecurityReader r;
+        const std::string failure = failureText([&] { r.OpenFolder(folder.path()); });
+        EXPECT_NE(failure.find("XMASTER"), std::string::npos) << failure;
+        // Nothing is written, least of all a new XMASTER without the records it lost.
+        {
+            SecurityWriter w;
+            const std::string refused = failureText([&] { w.OpenFolder(folder.path()); });
+            EXPECT_NE(refused.find("XMASTER"), std::string::npos) << refused;
+            passOver([&] { w.CreateSecurity(QStringLiteral("NEW"), QString(), 1); });
+            passOver([&] { w.CloseFolder(); });
+        }
+        EXPECT_EQ(snapshot(folder.path()), before);
+        // `check` counts it as a problem.
+        const auto findings = StoreCheck::checkFolder(folder.path());
+        ASSERT_FALSE(findings.empty());
+        EXPECT_TRUE(findings.front().problem);
+        EXPECT_TRUE(findings.front().text.contains(QStringLiteral("XMASTER"))) << findings.front().text.toStdString();
+    }
+
+    // A text file under the name in a folder without securities past the 255th stays a foreign
+    // file that the store leaves alone (the stale-emaster fixture holds one).
+    TempFolder folder;
+    makeTwo(folder.path());
+    writeTextFile(folder.file(QStringLiteral("XMASTER")), "broken file\n");
+    EXPECT_EQ(listFolder(folder.path()).size(), 2u);
 }

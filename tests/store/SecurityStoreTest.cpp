@@ -4,7 +4,12 @@
 #include "store/ReadProgress.h"
 #include "support/TestSupport.h"
 
+#include "store/StoreFiles.h"
+
+#include <QFile>
 #include <QFileInfo>
+
+#include <tuple>
 
 namespace {
 
@@ -31,7 +36,8 @@ TEST(StoreFolders, FoldersWithoutAStore) {
         EXPECT_TRUE(contains(failureText([&] { writer.OpenFolder(path); }), says)) << path.toStdString();
     }
 
-    // The writer opens it as an empty store; the index files come with the first security.
+    // The writer opens it as an empty store; the index files come when the folder closes after
+    // the first security.
     SecurityWriter w;
     w.OpenFolder(folder.path());
     EXPECT_FALSE(w.SymbolExists(QStringLiteral("AAA")));
@@ -39,10 +45,12 @@ TEST(StoreFolders, FoldersWithoutAStore) {
     EXPECT_FALSE(exists(folder, "MASTER") || exists(folder, "EMASTER"));
     w.OpenFolder(folder.path());
     w.CreateSecurity(QStringLiteral("AAA"), QStringLiteral("AAA"), 1);
-    EXPECT_TRUE(exists(folder, "MASTER") && exists(folder, "EMASTER") && exists(folder, "F1.DAT"));
-    EXPECT_FALSE(exists(folder, "XMASTER"));
+    EXPECT_TRUE(exists(folder, "F1.DAT"));
+    EXPECT_FALSE(exists(folder, "MASTER") || exists(folder, "EMASTER"));
     w.CloseSecurity();
     w.CloseFolder();
+    EXPECT_TRUE(exists(folder, "MASTER") && exists(folder, "EMASTER"));
+    EXPECT_FALSE(exists(folder, "XMASTER"));
 
     // The same reader, which failed on the folder, now lists it.
     reader.OpenFolder(folder.path());
@@ -255,6 +263,32 @@ TEST(StoreWriting, SeedOfANewSecurityIsItsFirstAndLastDateUntilRecordsCome) {
     EXPECT_EQ(r.GetLastDate(), 20050809);
 }
 
+TEST(StoreWriting, SecuritiesAreFoundByTheirSymbolAfterOthersAreDeletedInTheSameFolder) {
+    TempFolder folder;
+    SecurityWriter w;
+    w.OpenFolder(folder.path());
+    for (const char* symbol : {"AAA", "BBB", "CCC", "DDD"})
+        w.CreateSecurity(QString::fromLatin1(symbol), QString(), 1);
+    EXPECT_TRUE(w.SymbolExists(QStringLiteral("ddd")));
+    w.DeleteSecurity(QStringLiteral("BBB"));
+    EXPECT_FALSE(w.SymbolExists(QStringLiteral("BBB")));
+    w.OpenSecurity(QStringLiteral("ccc"));
+    w.AddQuote(20050801, -1, 1, 1, 1, 1, 1, -1);
+    w.DeleteSecurity(QStringLiteral("AAA"));
+    w.CreateSecurity(QStringLiteral("BBB"), QString(), 1);
+    w.OpenSecurity(QStringLiteral("DDD"));
+    w.AddQuote(20050802, -1, 2, 2, 2, 2, 2, -1);
+    w.CloseFolder();
+    const auto listed = listFolder(folder.path());
+    ASSERT_EQ(listed.size(), 3u);
+    EXPECT_EQ(listed[0].symbol + listed[1].symbol + listed[2].symbol, QStringLiteral("CCCDDDBBB"));
+    EXPECT_EQ(readDates(folder.path(), QStringLiteral("CCC")), std::vector<qint32>{20050801});
+    EXPECT_EQ(readDates(folder.path(), QStringLiteral("DDD")), std::vector<qint32>{20050802});
+    // The data files of the deleted securities went once the index no longer listed them.
+    EXPECT_FALSE(exists(folder, "F1.DAT") || exists(folder, "F2.DAT"));
+    EXPECT_EQ(listed[2].file, QStringLiteral("F5.DAT"));
+}
+
 TEST(StoreWriting, SymbolsAreCheckedOnCreateAndRename) {
     TempFolder folder;
     SecurityWriter w;
@@ -270,11 +304,27 @@ TEST(StoreWriting, SymbolsAreCheckedOnCreateAndRename) {
     }
     EXPECT_THROW(w.ChangeSecurity(QStringLiteral("OTHER"), QStringLiteral("X"), QStringLiteral("ABCDEFGHIJKLMNOP")), Failure);
     EXPECT_THROW(w.ChangeSecurity(QStringLiteral("NONE"), QStringLiteral("X"), QStringLiteral("NEW")), Failure);
+    // Index text is Windows-1252: a character outside it is refused, never stored as "?".
+    for (const auto& [symbol, name, character] : {std::tuple("\u03A9MEGA", "X", "\u03A9"), std::tuple("OK", "\u4E2D\u6587", "\u4E2D")}) {
+        const std::string text = failureText([&] { w.CreateSecurity(QString::fromUtf8(symbol), QString::fromUtf8(name), 1); });
+        EXPECT_TRUE(contains(text, "which the store cannot hold") && contains(text, character)) << text;
+        EXPECT_THROW(w.ChangeSecurity(QStringLiteral("OTHER"), QString::fromUtf8(name), QString::fromUtf8(symbol)), Failure);
+    }
+    EXPECT_FALSE(w.SymbolExists(QStringLiteral("?MEGA")));
     w.ChangeSecurity(QStringLiteral("OTHER"), QStringLiteral("A Long Name Of Over Sixteen"), QStringLiteral("OTHER"));
+    w.CreateSecurity(QStringLiteral("CAF\u00C9"), QStringLiteral("CAF\u00C9"), 1);
+    w.ChangeSecurity(QStringLiteral("CAF\u00C9"), QStringLiteral("Caf\u00E9 \u20AC"), QStringLiteral("\u20ACUR"));
     w.ChangeSecurity(QStringLiteral("ABCDEFGHIJKLMN"), QStringLiteral("Renamed"), QStringLiteral("NEWSYM"));
     w.CloseFolder();
     const auto listed = listFolder(folder.path());
-    ASSERT_EQ(listed.size(), 2u);
+    ASSERT_EQ(listed.size(), 3u);
+    // A renamed security is found again by the name and the symbol as typed.
+    SecurityReader r;
+    r.OpenFolder(folder.path());
+    r.FindSecurity(QStringLiteral("Caf\u00E9 \u20AC"));
+    EXPECT_EQ(r.GetSymbol(), QStringLiteral("\u20ACUR"));
+    r.OpenSecurity(QStringLiteral("\u20ACur"));
+    EXPECT_EQ(r.GetName(), QStringLiteral("Caf\u00E9 \u20AC"));
     EXPECT_EQ(listed[0].symbol, QStringLiteral("NEWSYM"));
     EXPECT_EQ(listed[0].name, QStringLiteral("Renamed"));
     EXPECT_EQ(listed[1].name, QStringLiteral("A Long Name Of Over Sixteen"));
@@ -310,6 +360,104 @@ TEST(StoreWriting, ObjectGoesThroughManyCyclesAndSurvivesItsFailures) {
         }
     }
     EXPECT_EQ(readDates(b.path(), QStringLiteral("BBB")), (std::vector<qint32>{20050801, 20050802, 20050803, 20050804}));
+}
+
+TEST(StoreWriting, ABatchThatAFailureCutsShortIsNotStored) {
+    TempFolder folder;
+    makeSecurity(folder.path(), QStringLiteral("AAA"), {20050801, 20050802});
+    const auto before = snapshot(folder.path());
+    // The writer is released while the failure of the third record unwinds: the two records
+    // before it are not stored.
+    const std::string text = failureText([&] {
+        SecurityWriter w;
+        w.OpenFolder(folder.path());
+        w.OpenSecurity(QStringLiteral("AAA"));
+        w.AddQuote(20050803, 0, 1, 1, 1, 1, 1, 0);
+        w.AddQuote(20050804, 0, 1, 1, 1, 1, 1, 0);
+        w.AddQuote(20050805, 0, 1e39, 1, 1, 1, 1, 0);
+        w.SaveQuotes();
+    });
+    EXPECT_TRUE(contains(text, "1e+39 cannot be stored")) << text;
+    EXPECT_EQ(snapshot(folder.path()), before);
+    // Released in the ordinary way, a writer stores its batch (the download runs count on it).
+    {
+        SecurityWriter w;
+        w.OpenFolder(folder.path());
+        w.OpenSecurity(QStringLiteral("AAA"));
+        w.AddQuote(20050803, 0, 1, 1, 1, 1, 1, 0);
+        passOver([&] { w.AddQuote(20050804, 0, 1e39, 1, 1, 1, 1, 0); });
+        w.SaveQuotes();
+    }
+    EXPECT_EQ(readDates(folder.path(), QStringLiteral("AAA")), (std::vector<qint32>{20050801, 20050802, 20050803}));
+}
+
+TEST(StoreWriting, ReadOnlyFilesAreRefusedBeforeAnythingIsWritten) {
+    const struct {
+        const char* file;
+        const char* step;
+    } cases[] = {
+        {"MASTER", "create"}, {"EMASTER", "create"}, {"MASTER", "append"}, {"F1.DAT", "append"},
+        {"F1.DAT", "insert an older date"}, {"F1.DAT", "delete the security"}, {"F1.DAT", "delete a range"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.file) + ", " + c.step);
+        TempFolder folder;
+        makeSecurity(folder.path(), QStringLiteral("AAA"), {20050802, 20050803});
+        const QString path = folder.file(QString::fromLatin1(c.file));
+        const auto permissions = QFile::permissions(path) & ~(QFile::WriteOwner | QFile::WriteUser | QFile::WriteGroup | QFile::WriteOther);
+        ASSERT_TRUE(QFile::setPermissions(path, permissions));
+        const auto before = snapshot(folder.path());
+        const std::string step = c.step;
+        const std::string text = failureText([&] {
+            SecurityWriter w;
+            w.OpenFolder(folder.path());
+            if (step == "create") {
+                w.CreateSecurity(QStringLiteral("BBB"), QStringLiteral("BBB"), 1);
+            } else if (step == "delete the security") {
+                w.DeleteSecurity(QStringLiteral("AAA"));
+            } else {
+                w.OpenSecurity(QStringLiteral("AAA"));
+                if (step == "delete a range")
+                    w.DeleteQuotes(QStringLiteral("20050803"), QStringLiteral("20050803"));
+                else
+                    w.AddQuote(step == "append" ? 20050804 : 20050801, -1, 1, 1, 1, 1, 1, -1);
+            }
+            w.CloseFolder();
+        });
+        EXPECT_TRUE(contains(text, c.file) && contains(text, "read-only")) << text;
+        EXPECT_EQ(snapshot(folder.path()), before);
+        EXPECT_FALSE(QFile::permissions(path) & QFile::WriteOwner);  // not replaced by a writable file
+        EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), int(before.size()));
+    }
+}
+
+TEST(StoreWriting, AFailedWriteSaysWhatWasStoredAndWhatWasNot) {
+    const struct {
+        int write;  // the write that fails, of: append records (1, 2), index (3.. )
+        const char* says;
+        std::vector<qint32> dates;
+    } cases[] = {
+        {1, "None of the 2 changes to AAA were stored.", {20050801}},
+        {3, "The records are stored; only the dates in the index lag behind.", {20050801, 20050802, 20050803}},
+    };
+    for (const auto& c : cases) {
+        TempFolder folder;
+        makeSecurity(folder.path(), QStringLiteral("AAA"), {20050801});
+        const std::string text = failureText([&] {
+            SecurityWriter w;
+            w.OpenFolder(folder.path());
+            w.OpenSecurity(QStringLiteral("AAA"));
+            for (qint32 d : {20050802, 20050803})
+                w.AddQuote(d, 0, 1, 1, 1, 1, 1, 0);
+            StoreFiles::armFault(c.write, StoreFiles::Fault::Fail);
+            w.SaveQuotes();
+            w.CloseSecurity();
+            w.CloseFolder();
+        });
+        StoreFiles::disarmFault();
+        EXPECT_TRUE(contains(text, c.says)) << text;
+        EXPECT_EQ(readDates(folder.path(), QStringLiteral("AAA")), c.dates);
+    }
 }
 
 TEST(StoreProgress, WithoutAWindowProgressIsSilentAndNeverCancelled) {

@@ -91,7 +91,9 @@ std::map<QString, QByteArray> snapshot(const QString& folder) {
     QDirIterator it(folder, QDir::Files);
     while (it.hasNext()) {
         it.next();
-        out[it.fileName()] = readFileBytes(it.filePath());
+        // A link stands for where it leads (it may lead to an endless device).
+        out[it.fileName()] = it.fileInfo().isSymLink() ? "link to " + it.fileInfo().symLinkTarget().toUtf8()
+                                                        : readFileBytes(it.filePath());
     }
     return out;
 }

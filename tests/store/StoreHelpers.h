@@ -40,7 +40,7 @@ void writeFolder(const QString& folder, const std::function<void(SecurityWriter&
 // Adds a security to a folder (made when it has no store) holding barOf() of each date.
 void makeSecurity(const QString& folder, const QString& symbol, const std::vector<qint32>& dates, double base = 10.0);
 
-// The files of a folder and their bytes.
+// The files of a folder and their bytes (for a link, where it leads).
 std::map<QString, QByteArray> snapshot(const QString& folder);
 void copyFolder(const QString& from, const QString& to);
 // The description of the Failure that `step` raises; "(no failure)" when it raises none.
