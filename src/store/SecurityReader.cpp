@@ -1,6 +1,7 @@
 #include "store/SecurityReader.h"
 
 #include "frame/Failure.h"
+#include "store/Refusal.h"
 #include "store/StoreFolder.h"
 
 #include <algorithm>
@@ -10,9 +11,7 @@ using namespace metastock;
 
 namespace {
 
-[[noreturn]] void refuse(const QString& text, const char* operation) {
-    throw Failure(FailureNumber::Store, text, QStringLiteral("SecurityReader::%1").arg(QLatin1String(operation)));
-}
+constexpr Refusal refuse{"SecurityReader"};
 
 } // namespace
 
@@ -24,10 +23,7 @@ struct SecurityReader::Impl {
     std::vector<Record> records;
     int recordCursor = -1;
 
-    void requireFolder(const char* operation) const {
-        if (!folder)
-            refuse(QStringLiteral("No folder is open."), operation);
-    }
+    void requireFolder(const char* operation) const { refuse.requireFolder(folder.has_value(), operation); }
     int current(const char* operation) const {
         requireFolder(operation);
         const int i = selected >= 0 ? selected : cursor;

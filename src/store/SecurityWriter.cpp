@@ -3,6 +3,7 @@
 #include "frame/Failure.h"
 #include "frame/Regional.h"
 #include "store/StoreFiles.h"
+#include "store/Refusal.h"
 #include "store/StoreFolder.h"
 
 #include <QDir>
@@ -16,9 +17,7 @@ using namespace metastock;
 
 namespace {
 
-[[noreturn]] void refuse(const QString& text, const char* operation) {
-    throw Failure(FailureNumber::Store, text, QStringLiteral("SecurityWriter::%1").arg(QLatin1String(operation)));
-}
+constexpr Refusal refuse{"SecurityWriter"};
 
 qint32 dateOf(const QString& text, const char* operation) {
     const qint32 date = Regional::toStoreDate(Regional::fromYyyymmdd(text.trimmed()));
@@ -93,10 +92,7 @@ struct SecurityWriter::Impl {
     std::map<qint32, std::optional<Record>> pending;  // date -> record to put, or none to remove
     qint32 seedDate = 0;              // first date added since the security was selected
 
-    void requireFolder(const char* operation) const {
-        if (!folder)
-            refuse(QStringLiteral("No folder is open."), operation);
-    }
+    void requireFolder(const char* operation) const { refuse.requireFolder(folder.has_value(), operation); }
     Security& security(const char* operation) {
         requireFolder(operation);
         if (selected < 0)
