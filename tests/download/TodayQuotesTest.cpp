@@ -281,14 +281,37 @@ TEST(ChartReplyReading, SessionsTheReaderKeepsOrLeaves) {
 class QuietListener : public DownloadListener {
 public:
     void itemStarted(int, int, const QString&, qint16, qint16, qint16) override {}
-    void fetching(const QString&) override {}
+    void fetching(const QString&) override {
+        if (run && cancelOnFetch)
+            run->CancelRequested = true;
+    }
     void recordRange(int) override {}
     void recordProgress(int) override {}
     void lineAdded(const QString& line) override { lines << line; }
     void captionChanged(const QString&) override {}
     void runEnded() override {}
     QStringList lines;
+    DownloadRun* run = nullptr;
+    bool cancelOnFetch = false;
 };
+
+// Cancel pressed while the run's fetch waits to try again: no further try, and the run stops
+// after that security with the line of a failed transfer.
+TEST_F(TodaySource, TheRunsCancelReachesAFetchWaitingToTryAgain) {
+    const QString folder = temp.sub("data");
+    for (const char* symbol : {"A.NS", "B.NS"}) {
+        makeSecurity(folder, symbol, symbol, {bar(20241101, 10)});
+        handOvers().DownloadItems.append({symbol, Regional::dateText({2024, 10, 1}), Regional::dateText({2024, 11, 2}), folder});
+    }
+    server.serve(LoopbackReply::withStatus(429, "Too Many Requests"));   // a pause of seconds, unless cancelled
+    QuietListener listener;
+    DownloadRun run(inet, listener);
+    listener.run = &run;
+    listener.cancelOnFetch = true;
+    run.RunDownload();
+    EXPECT_EQ(server.targets.size(), 1);
+    EXPECT_EQ(listener.lines, QStringList({"No Internet Connection : A.NS"}));
+}
 
 // The whole road into a folder under a decimal comma: the exchange's prices, the exchange's dates.
 TEST_F(TodaySource, ARunStoresTheExchangesPricesUnderAnyLocale) {
