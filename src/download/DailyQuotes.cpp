@@ -1,5 +1,6 @@
 #include "download/DailyQuotes.h"
 
+#include "download/ChartReply.h"
 #include "download/Inet.h"
 #include "download/ServiceAddresses.h"
 #include "frame/Failure.h"
@@ -7,10 +8,16 @@
 #include "frame/ProgramState.h"
 #include "frame/Regional.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
+#include <QTimer>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -103,6 +110,11 @@ qint16 DailyQuotes::ReadTable(const QString& normalised) {
 }
 
 void DailyQuotes::DownloadDailyQuotes(const QString& Symbol, const QDate& FirstDate, const QDate& LastDate) {
+    const ServiceAddresses::Source source = ServiceAddresses::quotesSource();
+    if (source.today) {
+        fetchChart(source.address, Symbol, FirstDate, LastDate);
+        return;
+    }
     try {
         const QString url = ServiceAddresses::yahooQuotes() + QuotesQuery(Symbol, FirstDate, LastDate);
         const QString normalised = NormaliseReply(connection_.OpenURL(url));
@@ -111,4 +123,86 @@ void DailyQuotes::DownloadDailyQuotes(const QString& Symbol, const QDate& FirstD
     } catch (const Failure& failure) {
         Error = failure.Number == FailureNumber::Network ? 3 : 2;
     }
+}
+
+int DailyQuotes::RetryPauseMs(const QByteArray& retryAfter, int attempt) {
+    constexpr qint64 LongestMs = 120 * 1000;
+    const QByteArray text = retryAfter.trimmed();
+    bool isNumber = false;
+    const qint64 seconds = text.toLongLong(&isNumber);
+    if (isNumber && seconds >= 0)
+        return int(std::min(seconds * 1000, LongestMs));
+    // An HTTP date: "Wed, 21 Oct 2015 07:28:00 GMT".
+    QDateTime at = QLocale::c().toDateTime(QString::fromLatin1(text), QStringLiteral("ddd, dd MMM yyyy HH:mm:ss 'GMT'"));
+    at.setTimeSpec(Qt::UTC);
+    if (!text.isEmpty() && at.isValid())
+        return int(std::clamp(QDateTime::currentDateTimeUtc().msecsTo(at), qint64(0), LongestMs));
+    return 2000 * std::max(attempt, 1);
+}
+
+bool DailyQuotes::pause(int milliseconds) {
+    if (milliseconds > 0 && !cancelled()) {
+        QEventLoop loop;
+        QTimer tick;
+        QElapsedTimer clock;
+        clock.start();
+        QObject::connect(&tick, &QTimer::timeout, &loop, [&] {
+            if (cancelled() || clock.elapsed() >= milliseconds)
+                loop.quit();
+        });
+        tick.start(std::min(milliseconds, 50));
+        loop.exec();
+    }
+    return !cancelled();
+}
+
+void DailyQuotes::fetchChart(const QString& address, const QString& Symbol, const QDate& FirstDate,
+                             const QDate& LastDate) {
+    auto& quotes = handOvers().Quotes;
+    quotes.clear();
+    const QString url = address + ChartReply::query(Symbol, FirstDate, LastDate);
+    const Inet::Headers headers{{"User-Agent", ServiceAddresses::browserUserAgent()},
+                                {"Accept", "application/json"}};
+    QByteArray body;
+    for (int attempt = 1;; ++attempt) {
+        try {
+            body = connection_.OpenURLBytes(url, headers);
+        } catch (const Failure& failure) {
+            Error = failure.Number == FailureNumber::Network ? 3 : 2;
+            return;
+        }
+        if (connection_.ResponseCode() != 429)
+            break;
+        if (attempt >= MaxTries || !pause(RetryPauseMs(connection_.ResponseHeader("Retry-After"), attempt))) {
+            Error = 3;
+            return;
+        }
+    }
+    try {
+        writeTrace(QString::fromUtf8(body));
+    } catch (const Failure&) {
+        // The trace is an aid only: a reply read well is not lost for it.
+    }
+
+    // Anything but a plain answer (404 for a symbol the service does not know) holds no data.
+    const QList<ChartBar> bars = connection_.ResponseCode() == 200 ? ChartReply::read(body) : QList<ChartBar>{};
+    if (bars.isEmpty()) {
+        Error = 2;
+        return;
+    }
+    quotes.resizeTo(int(bars.size()));
+    for (int i = 0; i < bars.size(); ++i) {
+        const ChartBar& bar = bars[i];
+        QuoteRecord& record = quotes[i + 1];
+        record.Dat = bar.date.toString(Qt::ISODate);
+        record.OpenPrice = bar.open;
+        record.High = bar.high;
+        record.Low = bar.low;
+        record.ClosePrice = bar.close;
+        // A volume beyond the record's 32 bits is kept at its limit rather than losing the day.
+        const double volume = std::nearbyint(bar.volume);
+        record.Volume = qint32(std::clamp(volume, double(std::numeric_limits<qint32>::min()),
+                                          double(std::numeric_limits<qint32>::max())));
+    }
+    Error = 0;
 }

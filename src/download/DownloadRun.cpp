@@ -46,8 +46,10 @@ SecurityWriter& DownloadRun::writer() {
 }
 
 DailyQuotes& DownloadRun::fetcher() {
-    if (!fetcher_)
+    if (!fetcher_) {
         fetcher_ = std::make_unique<DailyQuotes>(connection_);
+        fetcher_->CancelFlag = &CancelRequested;
+    }
     return *fetcher_;
 }
 

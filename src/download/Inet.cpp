@@ -39,7 +39,16 @@ void Inet::Cancel() {
 
 QString Inet::OpenURL(const QString& url) { return QString::fromUtf8(OpenURLBytes(url)); }
 
-QByteArray Inet::OpenURLBytes(const QString& url) {
+QByteArray Inet::OpenURLBytes(const QString& url) { return OpenURLBytes(url, {}); }
+
+QByteArray Inet::ResponseHeader(const QByteArray& name) const {
+    for (const auto& [key, value] : responseHeaders_)
+        if (key.compare(name, Qt::CaseInsensitive) == 0)
+            return value;
+    return {};
+}
+
+QByteArray Inet::OpenURLBytes(const QString& url, const Headers& headers) {
     const QString source = QStringLiteral("Inet::OpenURL");
     if (reply_)
         throw Failure(FailureNumber::Network, QStringLiteral("Still executing last request."), source);
@@ -50,11 +59,14 @@ QByteArray Inet::OpenURLBytes(const QString& url) {
     if (!manager_)
         manager_ = std::make_unique<QNetworkAccessManager>();
     responseCode_ = 0;
+    responseHeaders_.clear();
     cancelled_ = false;
 
     QNetworkRequest request(address);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::NoLessSafeRedirectPolicy);
+    for (const auto& [name, value] : headers)
+        request.setRawHeader(name, value);
     QNetworkReply* reply = manager_->get(request);
     reply_ = reply;
 
@@ -96,6 +108,7 @@ QByteArray Inet::OpenURLBytes(const QString& url) {
     const QString errorText = reply->errorString();
     const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
     responseCode_ = status.isValid() ? status.toInt() : 0;
+    responseHeaders_ = reply->rawHeaderPairs();
     reply_ = nullptr;
     QObject::disconnect(reply, nullptr, nullptr, nullptr);
     reply->deleteLater();

@@ -6,9 +6,11 @@
 // A reply with any HTTP status is returned as it came: the server answered, and the caller reads
 // what it holds. Only a failed transfer raises a Failure with FailureNumber::Network: no
 // connection, refused, a name that does not resolve, a time-out, a connection lost mid-body, a
-// cancelled transfer. A body larger than MaxReplyBytes raises Failure InetFailure::TooLarge.
+// cancelled transfer, a certificate that does not check out. A body larger than MaxReplyBytes raises Failure InetFailure::TooLarge.
 
 #include <QByteArray>
+#include <QList>
+#include <QPair>
 #include <QString>
 
 #include <memory>
@@ -31,6 +33,9 @@ public:
     QString OpenURL(const QString& url);
     // The reply's body as bytes.
     QByteArray OpenURLBytes(const QString& url);
+    // The same, with these request headers (name, value) sent along.
+    using Headers = QList<QPair<QByteArray, QByteArray>>;
+    QByteArray OpenURLBytes(const QString& url, const Headers& headers);
 
     // Cancels a transfer still open; OpenURL then fails. Does nothing when none is open.
     void Cancel();
@@ -44,6 +49,8 @@ public:
 
     // The HTTP status of the last reply, 0 when none came.
     int ResponseCode() const { return responseCode_; }
+    // A header of the last reply (the name in any case), empty when it had none.
+    QByteArray ResponseHeader(const QByteArray& name) const;
     // Time spent waiting for replies since this object was made, in nanoseconds.
     qint64 WaitedNanoseconds() const { return waitedNs_; }
 
@@ -52,5 +59,6 @@ private:
     QNetworkReply* reply_ = nullptr;
     bool cancelled_ = false;
     int responseCode_ = 0;
+    Headers responseHeaders_;
     qint64 waitedNs_ = 0;
 };

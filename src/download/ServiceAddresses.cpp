@@ -1,5 +1,7 @@
 #include "download/ServiceAddresses.h"
 
+#include "frame/Platform.h"
+
 namespace {
 const QString DefaultYahooQuotes = QStringLiteral("http://ichart.finance.yahoo.com");
 QString yahooOverride;
@@ -7,11 +9,48 @@ const QString DefaultNseBhavCopies = QStringLiteral("http://www.nseindia.com");
 QString nseOverride;
 const QString DefaultNseIndexArchive = QStringLiteral("http://www.brindlemark.net");
 QString nseIndexOverride;
+
+const QString SourcesSection = QStringLiteral("Sources");
+const QString TodayValue = QStringLiteral("today");
+
+QString setting(const QString& key) {
+    return platform().getSetting(SourcesSection, key, TodayValue);
+}
 } // namespace
 
 namespace ServiceAddresses {
 
-QString yahooQuotes() { return yahooOverride.isEmpty() ? DefaultYahooQuotes : yahooOverride; }
+Source readSource(const QString& value, const QString& todayAddress) {
+    const QString text = value.trimmed();
+    if (text.isEmpty() || text.compare(TodayValue, Qt::CaseInsensitive) == 0)
+        return {true, todayAddress};
+    const QString prefix = TodayValue + u'@';
+    if (text.startsWith(prefix, Qt::CaseInsensitive)) {
+        QString address = text.mid(prefix.size()).trimmed();
+        while (address.endsWith(u'/'))
+            address.chop(1);
+        return {true, address.isEmpty() ? todayAddress : address};
+    }
+    return {false, text};
+}
+
+Source quotesSource() {
+    return readSource(yahooOverride.isEmpty() ? setting(QStringLiteral("Quotes")) : yahooOverride,
+                      QString::fromLatin1(TodayQuotesAddress));
+}
+
+Source bhavcopySource() {
+    return readSource(setting(QStringLiteral("Bhavcopy")), QString::fromLatin1(TodayExchangeAddress));
+}
+
+Source indexArchiveSource() {
+    return readSource(setting(QStringLiteral("IndexArchive")), QString::fromLatin1(TodayExchangeAddress));
+}
+
+QString yahooQuotes() {
+    const Source source = quotesSource();
+    return source.today ? DefaultYahooQuotes : source.address;
+}
 
 void setYahooQuotes(const QString& endpoint) { yahooOverride = endpoint; }
 
@@ -22,5 +61,9 @@ void setNseBhavCopies(const QString& endpoint) { nseOverride = endpoint; }
 QString nseIndexArchive() { return nseIndexOverride.isEmpty() ? DefaultNseIndexArchive : nseIndexOverride; }
 
 void setNseIndexArchive(const QString& endpoint) { nseIndexOverride = endpoint; }
+QByteArray browserUserAgent() {
+    return QByteArrayLiteral("Mozilla/5.0 (Windows NT 10.0; Win64; x64) AppleWebKit/537.36 "
+                             "(KHTML, like Gecko) Chrome/130.0.0.0 Safari/537.36");
+}
 
 } // namespace ServiceAddresses

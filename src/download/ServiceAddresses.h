@@ -1,7 +1,16 @@
 #pragma once
 // The addresses of the web services the download runs fetch from. They live here and nowhere
 // else; tests point them at a loopback server.
+//
+// Each source is chosen in the per-user settings, section "Sources" (keys "Quotes", "Bhavcopy",
+// "IndexArchive"):
+//   today                        today's service at its own address (the default, also when the
+//                                key is missing or empty)
+//   today@<scheme://host:port>   today's protocol, spoken to another host (a mirror, a caching
+//                                proxy, a test server); plain HTTP is allowed there
+//   anything else                an endpoint that speaks the older protocol, used as it stands
 
+#include <QByteArray>
 #include <QString>
 
 namespace ServiceAddresses {
@@ -9,7 +18,9 @@ namespace ServiceAddresses {
 // The endpoint of the historical quotes service: scheme and host (and port), no path; the
 // fetcher appends "/table.csv?s=..." to it.
 QString yahooQuotes();
-// Points the quotes service elsewhere; empty text restores the default.
+// Points the quotes service elsewhere; empty text restores the default. The text is read as a
+// value of the setting "Quotes" and goes before it: "today@http://127.0.0.1:8080" selects
+// today's protocol at that host, an address alone the older protocol.
 void setYahooQuotes(const QString& endpoint);
 
 // The endpoint of the exchange's archive of daily bhav copies: scheme and host, no path; the NSE
@@ -23,5 +34,26 @@ QString nseIndexArchive();
 // Points the index archive elsewhere; empty text restores the default.
 void setNseIndexArchive(const QString& endpoint);
 inline const QString IndexArchivePath = QStringLiteral("/downloads/index.zip");
+struct Source {
+    bool today = true;   // today's protocol, else the older one
+    // today: scheme, host and port, no path and no final slash ("https://query2.finance.yahoo.com");
+    // else the endpoint as the setting holds it, trimmed.
+    QString address;
+};
+
+// A setting's value read as a source; `todayAddress` is where today's service lives.
+Source readSource(const QString& value, const QString& todayAddress);
+
+// The sources as the settings choose them now.
+Source quotesSource();
+Source bhavcopySource();
+Source indexArchiveSource();
+
+// Where today's services live.
+inline constexpr const char* TodayQuotesAddress = "https://query2.finance.yahoo.com";
+inline constexpr const char* TodayExchangeAddress = "https://nsearchives.nseindia.com";
+
+// The User-Agent of a desktop browser: today's services answer programs without one badly.
+QByteArray browserUserAgent();
 
 } // namespace ServiceAddresses

@@ -1,7 +1,14 @@
 #include "LoopbackHttpServer.h"
 
+#include <QFile>
 #include <QHostAddress>
 #include <QPointer>
+#include <QProcess>
+#include <QSslCertificate>
+#include <QSslKey>
+#include <QSslSocket>
+#include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QStringList>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -18,15 +25,87 @@ QByteArray reasonPhrase(int status) {
     case 400: return "Bad Request";
     case 403: return "Forbidden";
     case 404: return "Not Found";
+    case 429: return "Too Many Requests";
     case 500: return "Internal Server Error";
     case 503: return "Service Unavailable";
     default: return "Status";
     }
 }
 
+// The certificate and key, made once per process by the openssl command; null when that can't be.
+struct Credentials {
+    QSslCertificate certificate;
+    QSslKey key;
+};
+
+const Credentials& credentials() {
+    static const Credentials made = [] {
+        Credentials result;
+        if (!QSslSocket::supportsSsl() || QStandardPaths::findExecutable(QStringLiteral("openssl")).isEmpty())
+            return result;
+        QTemporaryDir dir;
+        if (!dir.isValid())
+            return result;
+        QProcess openssl;
+        openssl.setWorkingDirectory(dir.path());
+        openssl.start(QStringLiteral("openssl"),
+                      {"req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1", "-nodes",
+                       "-keyout", "key.pem", "-out", "cert.pem", "-days", "2", "-subj", "/CN=127.0.0.1",
+                       "-addext", "subjectAltName=IP:127.0.0.1"});
+        if (!openssl.waitForFinished(30000) || openssl.exitStatus() != QProcess::NormalExit || openssl.exitCode() != 0)
+            return result;
+        QFile certFile(dir.filePath(QStringLiteral("cert.pem"))), keyFile(dir.filePath(QStringLiteral("key.pem")));
+        if (!certFile.open(QIODevice::ReadOnly) || !keyFile.open(QIODevice::ReadOnly))
+            return result;
+        const QSslCertificate certificate(certFile.readAll(), QSsl::Pem);
+        const QSslKey key(keyFile.readAll(), QSsl::Ec, QSsl::Pem);
+        if (!certificate.isNull() && !key.isNull())
+            result = {certificate, key};
+        return result;
+    }();
+    return made;
+}
+
+// A server whose connections start TLS as they come in; their readyRead brings plain text.
+class TlsServer : public QTcpServer {
+protected:
+    void incomingConnection(qintptr descriptor) override {
+        auto* socket = new QSslSocket(this);
+        if (!socket->setSocketDescriptor(descriptor)) {
+            delete socket;
+            return;
+        }
+        socket->setSslConfiguration(LoopbackHttpServer::serverConfiguration());
+        socket->startServerEncryption();
+        addPendingConnection(socket);
+    }
+};
+
 } // namespace
 
-LoopbackHttpServer::LoopbackHttpServer() : server_(std::make_unique<QTcpServer>()) {
+bool LoopbackHttpServer::httpsAvailable() { return !credentials().certificate.isNull(); }
+
+QSslConfiguration LoopbackHttpServer::serverConfiguration() {
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setLocalCertificate(credentials().certificate);
+    configuration.setPrivateKey(credentials().key);
+    configuration.setPeerVerifyMode(QSslSocket::VerifyNone);
+    return configuration;
+}
+
+TrustedLoopbackCertificate::TrustedLoopbackCertificate() : saved_(QSslConfiguration::defaultConfiguration()) {
+    QSslConfiguration trusting = saved_;
+    trusting.addCaCertificate(credentials().certificate);
+    QSslConfiguration::setDefaultConfiguration(trusting);
+}
+
+TrustedLoopbackCertificate::~TrustedLoopbackCertificate() { QSslConfiguration::setDefaultConfiguration(saved_); }
+
+LoopbackHttpServer::LoopbackHttpServer(Scheme scheme) : https_(scheme == Scheme::Https && httpsAvailable()) {
+    if (https_)
+        server_ = std::make_unique<TlsServer>();
+    else
+        server_ = std::make_unique<QTcpServer>();
     server_->listen(QHostAddress::LocalHost, 0);
     QObject::connect(server_.get(), &QTcpServer::newConnection, server_.get(), [this] { onConnection(); });
 }
@@ -43,7 +122,20 @@ void LoopbackHttpServer::serve(const LoopbackReply& reply) {
 
 quint16 LoopbackHttpServer::port() const { return server_->serverPort(); }
 
-QString LoopbackHttpServer::endpoint() const { return QStringLiteral("http://127.0.0.1:%1").arg(port()); }
+QString LoopbackHttpServer::endpoint() const {
+    return (https_ ? QStringLiteral("https://127.0.0.1:%1") : QStringLiteral("http://127.0.0.1:%1")).arg(port());
+}
+
+QByteArray LoopbackHttpServer::requestHeader(qsizetype index, const QByteArray& name) const {
+    if (index < 0 || index >= heads_.size())
+        return {};
+    for (const QByteArray& line : heads_[index].split('\n')) {
+        const qsizetype colon = line.indexOf(':');
+        if (colon > 0 && line.left(colon).trimmed().compare(name, Qt::CaseInsensitive) == 0)
+            return line.mid(colon + 1).trimmed();
+    }
+    return {};
+}
 
 QStringList LoopbackHttpServer::decodedTargets() const {
     QStringList decoded;
@@ -72,6 +164,7 @@ void LoopbackHttpServer::onConnection() {
             const QByteArray requestLine = buffer->left(buffer->indexOf("\r\n"));
             const QList<QByteArray> parts = requestLine.split(' ');
             const QByteArray target = parts.size() >= 2 ? parts[1] : QByteArray("/");
+            heads_ << buffer->left(headerEnd);
             buffer->clear();
             QObject::disconnect(socket, &QTcpSocket::readyRead, nullptr, nullptr);
             targets << target;
@@ -88,8 +181,10 @@ void LoopbackHttpServer::answer(QTcpSocket* socket, const QByteArray& target) {
             return;
         QByteArray head = "HTTP/1.1 " + QByteArray::number(reply.status) + ' ' + reasonPhrase(reply.status)
                         + "\r\nContent-Type: " + reply.contentType
-                        + "\r\nContent-Length: " + QByteArray::number(reply.body.size())
-                        + "\r\nConnection: close\r\n\r\n";
+                        + "\r\nContent-Length: " + QByteArray::number(reply.body.size());
+        for (const auto& [name, value] : reply.headers)
+            head += "\r\n" + name + ": " + value;
+        head += "\r\nConnection: close\r\n\r\n";
         if (reply.closeMidBody) {
             guarded->write(head + reply.body.left(reply.body.size() / 2));
             guarded->disconnectFromHost();

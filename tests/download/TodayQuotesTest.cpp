@@ -1,0 +1,348 @@
+// World Exchanges against today's chart service: the choice of source, the request, the JSON
+// reply read into Quotes, the retries after "Too Many Requests", HTTPS, and what reaches a folder.
+
+#include "DownloadTestKit.h"
+
+#include "download/ChartReply.h"
+#include "download/DownloadRun.h"
+#include "frame/ProgramState.h"
+#include "frame/Regional.h"
+
+#include <QFile>
+#include <QTimer>
+
+namespace {
+
+QByteArray serviceFixture(const QString& name) {
+    QFile file(QStringLiteral(BM_FIXTURES_DIR "/services/") + name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+#define REQUIRE_SERVICE_FIXTURE(bytes, name)                                       \
+    do {                                                                           \
+        if ((bytes).isEmpty())                                                     \
+            GTEST_SKIP() << "service reply " << (name) << " not found beside the repository"; \
+    } while (0)
+
+// A chart reply with the given sessions; null where a value is std::nullopt.
+struct Session {
+    qint64 time;
+    QByteArray open = "1", high = "2", low = "0.5", close = "1.5", volume = "100";
+};
+QByteArray chart(const QList<Session>& sessions, const QByteArray& meta = R"("gmtoffset":19800,"exchangeTimezoneName":"Asia/Kolkata")") {
+    QByteArray t, o, h, l, c, v;
+    for (const Session& s : sessions) {
+        const char* sep = t.isEmpty() ? "" : ",";
+        t += sep + QByteArray::number(s.time);
+        o += sep + s.open;
+        h += sep + s.high;
+        l += sep + s.low;
+        c += sep + s.close;
+        v += sep + s.volume;
+    }
+    // Fields in another order than the fixtures, and some the reader never looks at.
+    return R"({"chart":{"error":null,"result":[{"indicators":{"adjclose":[{"adjclose":[]}],"quote":[{"volume":[)" + v
+         + "],\"close\":[" + c + "],\"low\":[" + l + "],\"high\":[" + h + "],\"open\":[" + o
+         + R"(]}]},"timestamp":[)" + t + R"(],"meta":{"symbol":"X",)" + meta + "}}]}}";
+}
+
+// 09:15 in Kolkata on a day of November 2024.
+qint64 kolkataMorning(int day) { return QDateTime(QDate(2024, 11, day), QTime(3, 45), Qt::UTC).toSecsSinceEpoch(); }
+
+class TodaySource : public DownloadTest {
+protected:
+    TodaySource() { ServiceAddresses::setYahooQuotes("today@" + server.endpoint()); }
+
+    int fetch(const QString& symbol = "RELIANCE.NS") {
+        dq.DownloadDailyQuotes(symbol, QDate(2024, 11, 1), QDate(2024, 11, 8));
+        return dq.Error;
+    }
+    static QStringList dates() {
+        QStringList texts;
+        for (const QuoteRecord& q : handOvers().Quotes)
+            texts << q.Dat;
+        return texts;
+    }
+    static const QuoteRecord& quote(int index) { return handOvers().Quotes[index]; }
+
+    Inet inet;
+    ::DailyQuotes dq{inet};
+};
+
+TEST(Sources, SettingValuesChooseProtocolAndHost) {
+    const QString home = "https://query2.finance.yahoo.com";
+    const struct {
+        QString value;
+        bool today;
+        QString address;
+    } cases[] = {
+        {"", true, home},
+        {"today", true, home},
+        {"  Today ", true, home},
+        {"today@http://127.0.0.1:8080", true, "http://127.0.0.1:8080"},
+        {"today@https://cache.example:8443/", true, "https://cache.example:8443"},
+        {"today@", true, home},
+        {"http://mirror.example:81", false, "http://mirror.example:81"},
+        {" http://10.0.0.5 ", false, "http://10.0.0.5"},
+        {"todayish.example", false, "todayish.example"},
+    };
+    for (const auto& c : cases) {
+        const auto source = ServiceAddresses::readSource(c.value, home);
+        EXPECT_EQ(source.today, c.today) << c.value.toStdString();
+        EXPECT_EQ(source.address, c.address) << c.value.toStdString();
+    }
+}
+
+TEST(Sources, ReadFromTheSourcesSectionTodayWhenMissing) {
+    ScriptedPlatform platform;
+    EXPECT_TRUE(ServiceAddresses::quotesSource().today);
+    EXPECT_EQ(ServiceAddresses::quotesSource().address, "https://query2.finance.yahoo.com");
+    EXPECT_EQ(ServiceAddresses::bhavcopySource().address, "https://nsearchives.nseindia.com");
+    EXPECT_TRUE(ServiceAddresses::indexArchiveSource().today);
+
+    platform.settings["Sources/Quotes"] = "http://mirror.example:81";
+    platform.settings["Sources/Bhavcopy"] = "today@http://127.0.0.1:9000";
+    platform.settings["Sources/IndexArchive"] = "http://archive.example";
+    EXPECT_FALSE(ServiceAddresses::quotesSource().today);
+    EXPECT_EQ(ServiceAddresses::yahooQuotes(), "http://mirror.example:81");
+    EXPECT_EQ(ServiceAddresses::bhavcopySource().address, "http://127.0.0.1:9000");
+    EXPECT_TRUE(ServiceAddresses::bhavcopySource().today);
+    EXPECT_FALSE(ServiceAddresses::indexArchiveSource().today);
+}
+
+// With the setting naming an endpoint, the older table request goes out as it always did.
+TEST_F(TodaySource, AnEndpointSettingKeepsTheTableProtocol) {
+    ServiceAddresses::setYahooQuotes({});
+    platform_.settings["Sources/Quotes"] = server.endpoint();
+    server.serve(LoopbackReply::ok(Header + "2005-08-05,10,11,9,10.5,100,10.5\n"));
+    dq.DownloadDailyQuotes("ABC", QDate(2005, 7, 1), QDate(2005, 8, 5));
+    EXPECT_EQ(dq.Error, 0);
+    EXPECT_EQ(server.decodedTargets().value(0), "/table.csv?s=ABC&d=7&e=5&f=2005&g=d&a=6&b=1&c=2005&ignore=.csv");
+}
+
+TEST_F(TodaySource, AsksForTheChartWithABrowserAgent) {
+    server.serve(LoopbackReply::ok(chart({{kolkataMorning(4)}})));
+    EXPECT_EQ(fetch("^NSEI"), 0);
+    EXPECT_EQ(fetch(" RELIANCE.NS "), 0);
+    ASSERT_EQ(server.targets.size(), 2);
+    // 1 November 00:00 UTC to the end of 8 November.
+    EXPECT_EQ(server.targets[0], "/v8/finance/chart/%5ENSEI?period1=1730419200&period2=1731110400&interval=1d&events=div%2Csplits");
+    EXPECT_TRUE(server.targets[1].startsWith("/v8/finance/chart/RELIANCE.NS?period1="));
+    EXPECT_TRUE(server.requestHeader(0, "User-Agent").startsWith("Mozilla/5.0 ("));
+}
+
+TEST_F(TodaySource, TheServicesReplyNullsSkippedAndTheLiveBarKept) {
+    const QByteArray reply = serviceFixture("yahoo-chart-RELIANCE.NS.json");
+    REQUIRE_SERVICE_FIXTURE(reply, "yahoo-chart-RELIANCE.NS.json");
+    server.serve(LoopbackReply::ok(reply));
+    for (const char* locale : {"en_GB", "en_US", "de_DE"}) {
+        LocaleGuard guard(locale);
+        ASSERT_EQ(fetch(), 0) << locale;
+        // Newest first; the null 7 November left out; 8 November from the live bar behind it.
+        EXPECT_EQ(dates(), QStringList({"2024-11-08", "2024-11-06", "2024-11-05", "2024-11-04"})) << locale;
+        EXPECT_DOUBLE_EQ(quote(1).OpenPrice, 1291.0);
+        EXPECT_DOUBLE_EQ(quote(1).High, 1301.5);
+        EXPECT_DOUBLE_EQ(quote(1).ClosePrice, 1296.8);
+        EXPECT_EQ(quote(1).Volume, 7512345);
+        EXPECT_DOUBLE_EQ(quote(2).Low, 1310.0);
+        EXPECT_DOUBLE_EQ(quote(4).OpenPrice, 1321.5);
+        EXPECT_DOUBLE_EQ(quote(4).Low, 1300.05);
+        EXPECT_EQ(quote(4).Volume, 9876543);
+    }
+}
+
+TEST_F(TodaySource, RepliesWithoutBarsAreNoData) {
+    const struct {
+        const char* what;
+        LoopbackReply reply;
+    } cases[] = {
+        {"no timestamps", LoopbackReply::ok(serviceFixture("yahoo-chart-no-rows.json"))},
+        {"unknown symbol", LoopbackReply::withStatus(404, serviceFixture("yahoo-chart-404.json"))},
+        {"a captive portal's page", LoopbackReply::ok("<html><body>Sign in to the network</body></html>")},
+        {"every session null", LoopbackReply::ok(chart({{kolkataMorning(4), "null"}, {kolkataMorning(5), "1", "null"}}))},
+        {"a good body with a server error", LoopbackReply::withStatus(500, chart({{kolkataMorning(4)}}))},
+        {"empty", LoopbackReply::ok("")},
+    };
+    for (const auto& c : cases) {
+        // A bar of an earlier security must not stay behind.
+        server.serve(LoopbackReply::ok(chart({{kolkataMorning(4)}})));
+        ASSERT_EQ(fetch(), 0);
+        server.serve(c.reply);
+        EXPECT_EQ(fetch(), 2) << c.what;
+        EXPECT_EQ(handOvers().Quotes.upperBound(), 0) << c.what;
+    }
+}
+
+TEST_F(TodaySource, TooManyRequestsIsTriedAgainAtMostThreeTimes) {
+    int refusals = 0;
+    server.setHandler([&](const QByteArray&) {
+        if (refusals-- > 0) {
+            LoopbackReply busy = LoopbackReply::withStatus(429, "Too Many Requests");
+            busy.headers = {{"Retry-After", "0"}};
+            return busy;
+        }
+        return LoopbackReply::ok(chart({{kolkataMorning(4)}}));
+    });
+    refusals = 2;
+    EXPECT_EQ(fetch(), 0);
+    EXPECT_EQ(server.targets.size(), 3);
+    EXPECT_EQ(dates(), QStringList({"2024-11-04"}));
+
+    server.targets.clear();
+    refusals = 3;
+    EXPECT_EQ(fetch(), 3);
+    EXPECT_EQ(server.targets.size(), 3);
+    EXPECT_EQ(handOvers().Quotes.upperBound(), 0);
+}
+
+TEST_F(TodaySource, CancelEndsTheWaitBeforeTheNextTry) {
+    server.serve(LoopbackReply::withStatus(429, "Too Many Requests"));   // no Retry-After: a pause of seconds
+    bool cancel = false;
+    dq.CancelFlag = &cancel;
+    QTimer::singleShot(50, [&] { cancel = true; });
+    EXPECT_EQ(fetch(), 3);
+    EXPECT_EQ(server.targets.size(), 1);
+}
+
+TEST(RetryPause, FromRetryAfterElseGrowing) {
+    const struct {
+        QByteArray retryAfter;
+        int attempt, ms;
+    } cases[] = {
+        {"0", 1, 0},
+        {"7", 1, 7000},
+        {" 3 ", 2, 3000},
+        {"86400", 1, 120000},
+        {"", 1, 2000},
+        {"", 2, 4000},
+        {"soon", 2, 4000},
+        {"-5", 1, 2000},
+        {"Wed, 21 Oct 2015 07:28:00 GMT", 2, 0},   // a moment gone: at once
+        {QDateTime::currentDateTimeUtc().addSecs(3600).toString("ddd, dd MMM yyyy HH:mm:ss 'GMT'").toLatin1(), 1, 120000},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(DailyQuotes::RetryPauseMs(c.retryAfter, c.attempt), c.ms) << c.retryAfter.constData();
+}
+
+TEST_F(TodaySource, HttpsWithATrustedCertificateOnly) {
+    if (!LoopbackHttpServer::httpsAvailable())
+        GTEST_SKIP() << "no TLS in Qt or no openssl command to make a test certificate";
+    LoopbackHttpServer secure(LoopbackHttpServer::Scheme::Https);
+    secure.serve(LoopbackReply::ok(chart({{kolkataMorning(4)}, {kolkataMorning(5)}})));
+    ServiceAddresses::setYahooQuotes("today@" + secure.endpoint());
+    // Certificate checks are on: a certificate nobody vouches for is a failed transfer.
+    EXPECT_EQ(fetch(), 3);
+    {
+        TrustedLoopbackCertificate trust;
+        Inet fresh;
+        ::DailyQuotes trusting(fresh);
+        trusting.DownloadDailyQuotes("RELIANCE.NS", QDate(2024, 11, 1), QDate(2024, 11, 8));
+        EXPECT_EQ(trusting.Error, 0);
+        EXPECT_EQ(dates(), QStringList({"2024-11-05", "2024-11-04"}));
+    }
+    EXPECT_TRUE(secure.targets.last().startsWith("/v8/finance/chart/RELIANCE.NS?"));
+}
+
+TEST(ChartReplyReading, SessionsTheReaderKeepsOrLeaves) {
+    const qint64 nov4 = kolkataMorning(4), nov5 = kolkataMorning(5);
+    const struct {
+        const char* what;
+        QByteArray body;
+        QStringList dates;
+    } cases[] = {
+        {"a null anywhere drops only that session", chart({{nov4, "1", "2", "0.5", "1.5", "null"}, {nov5}}), {"2024-11-05"}},
+        {"text where a number belongs", chart({{nov4, "\"1.5\""}, {nov5}}), {"2024-11-05"}},
+        {"the later of one date wins", chart({{nov4, "1"}, {nov4 + 3600, "9"}}), {"2024-11-04"}},
+        {"out of order comes out newest first", chart({{nov5}, {nov4}}), {"2024-11-05", "2024-11-04"}},
+        {"the exchange's date, not UTC's: 00:30 in Kolkata is 19:00 UTC the day before",
+         chart({{QDateTime(QDate(2024, 11, 3), QTime(19, 0), Qt::UTC).toSecsSinceEpoch()}}), {"2024-11-04"}},
+        {"an unknown zone name falls back on the offset",
+         chart({{QDateTime(QDate(2024, 11, 4), QTime(3, 0), Qt::UTC).toSecsSinceEpoch()}},
+               R"("gmtoffset":-18000,"exchangeTimezoneName":"Nowhere/Land")"), {"2024-11-03"}},
+        {"neither zone nor offset: UTC", chart({{nov4}}, R"("currency":"INR")"), {"2024-11-04"}},
+        {"a timestamp beyond the calendar", chart({{qint64(1) << 50}, {nov4}}), {"2024-11-04"}},
+        {"a timestamp without prices behind it", chart({{nov4}}).replace("\"timestamp\":[", "\"timestamp\":[1730778300,"), {"2024-11-05"}},
+        {"result null", R"({"chart":{"result":null,"error":null}})", {}},
+        {"no quote object", R"({"chart":{"result":[{"timestamp":[1730691900],"indicators":{}}]}})", {}},
+        {"truncated JSON", chart({{nov4}}).chopped(3), {}},
+        {"a JSON array", "[1,2,3]", {}},
+    };
+    for (const auto& c : cases) {
+        QStringList got;
+        for (const ChartBar& b : ChartReply::read(c.body))
+            got << b.date.toString(Qt::ISODate);
+        EXPECT_EQ(got, c.dates) << c.what;
+    }
+    const auto kept = ChartReply::read(chart({{nov4, "1"}, {nov4 + 3600, "9", "10", "8", "9.5", "1234"}}));
+    ASSERT_EQ(kept.size(), 1);
+    EXPECT_EQ(kept[0], (ChartBar{QDate(2024, 11, 4), 9, 10, 8, 9.5, 1234}));
+}
+
+class QuietListener : public DownloadListener {
+public:
+    void itemStarted(int, int, const QString&, qint16, qint16, qint16) override {}
+    void fetching(const QString&) override {
+        if (run && cancelOnFetch)
+            run->CancelRequested = true;
+    }
+    void recordRange(int) override {}
+    void recordProgress(int) override {}
+    void lineAdded(const QString& line) override { lines << line; }
+    void captionChanged(const QString&) override {}
+    void runEnded() override {}
+    QStringList lines;
+    DownloadRun* run = nullptr;
+    bool cancelOnFetch = false;
+};
+
+// Cancel pressed while the run's fetch waits to try again: no further try, and the run stops
+// after that security with the line of a failed transfer.
+TEST_F(TodaySource, TheRunsCancelReachesAFetchWaitingToTryAgain) {
+    const QString folder = temp.sub("data");
+    for (const char* symbol : {"A.NS", "B.NS"}) {
+        makeSecurity(folder, symbol, symbol, {bar(20241101, 10)});
+        handOvers().DownloadItems.append({symbol, Regional::dateText({2024, 10, 1}), Regional::dateText({2024, 11, 2}), folder});
+    }
+    server.serve(LoopbackReply::withStatus(429, "Too Many Requests"));   // a pause of seconds, unless cancelled
+    QuietListener listener;
+    DownloadRun run(inet, listener);
+    listener.run = &run;
+    listener.cancelOnFetch = true;
+    run.RunDownload();
+    EXPECT_EQ(server.targets.size(), 1);
+    EXPECT_EQ(listener.lines, QStringList({"No Internet Connection : A.NS"}));
+}
+
+// The whole road into a folder under a decimal comma: the exchange's prices, the exchange's dates.
+TEST_F(TodaySource, ARunStoresTheExchangesPricesUnderAnyLocale) {
+    for (const char* locale : {"de_DE", "en_US"}) {
+        LocaleGuard guard(locale);
+        const QString folder = temp.sub(locale);
+        makeSecurity(folder, "RELIANCE.NS", "Reliance", {bar(20241101, 1000)});
+        makeSecurity(folder, "GONE.NS", "Delisted", {bar(20241101, 10)});
+        replies.clear();
+        server.setHandler([](const QByteArray& target) {
+            if (target.contains("GONE.NS"))
+                return LoopbackReply::withStatus(404, R"({"chart":{"result":null,"error":{"code":"Not Found","description":"No data found, symbol may be delisted"}}})");
+            LoopbackReply reply = LoopbackReply::ok(chart({{kolkataMorning(4), "1321.5", "1330.25", "1300.125", "1304.75", "9876543"},
+                                                          {kolkataMorning(5), "1305", "1320.5", "1298", "1318.25", "3000000000"}}));
+            reply.contentType = "application/json";
+            return reply;
+        });
+        handOvers().DownloadItems.clear();
+        for (const char* symbol : {"RELIANCE.NS", "GONE.NS"})
+            handOvers().DownloadItems.append({symbol, Regional::dateText({2024, 10, 1}), Regional::dateText({2024, 11, 2}), folder});
+        QuietListener listener;
+        DownloadRun run(inet, listener);
+        run.RunDownload();
+        EXPECT_EQ(listener.lines, QStringList({"Download Complete : RELIANCE.NS", "No Data Available : GONE.NS"})) << locale;
+        EXPECT_EQ(storedBars(folder, "RELIANCE.NS"),
+                  (QList<StoredBar>{bar(20241101, 1000), {20241104, 1321.5, 1330.25, 1300.125, 1304.75, 9876543},
+                                    // a volume beyond 32 bits kept at the limit (as the store's float holds it)
+                                    {20241105, 1305, 1320.5, 1298, 1318.25, double(float(2147483647))}}))
+            << locale;
+        EXPECT_EQ(storedBars(folder, "GONE.NS"), QList<StoredBar>{bar(20241101, 10)}) << locale;
+    }
+}
+
+} // namespace
