@@ -274,7 +274,7 @@ TEST_P(DeleteDataByLocale, DeletesFromTheFirstDateToTheDateInTheBox) {
 
 INSTANTIATE_TEST_SUITE_P(Locales, DeleteDataByLocale,
                          ::testing::Values(DateCase{"en_GB", "23/11/2026", "08/01/2004", "06/01/2004"},
-                                           DateCase{"en_US", "11/23/26", "1/8/04", "1/6/04"}),
+                                           DateCase{"en_US", "11/23/2026", "1/8/2004", "1/6/04"}),
                          [](const auto& param) { return std::string(param.param.locale); });
 
 // A date before the first, "Delete After", a box that holds no date, a name the folder lacks:

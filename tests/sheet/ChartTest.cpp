@@ -214,8 +214,8 @@ TEST(ChartDateLabels, FollowTheSeparatorOfEachLocale) {
         const char* locale;
         QStringList first;
     } cases[] = {{"en_GB", {"2/1/04", "1/04", "01/03/2004"}},
-                 {"en_US", {"2/1/04", "1/04", "3/1/04"}},
-                 {"de_DE", {"2.1.04", "1.04", "01.03.04"}}};
+                 {"en_US", {"2/1/04", "1/04", "3/1/2004"}},
+                 {"de_DE", {"2.1.04", "1.04", "01.03.2004"}}};
     for (const auto& c : cases) {
         const LocaleGuard locale(QString::fromLatin1(c.locale));
         QStringList got;
