@@ -3,6 +3,7 @@
 #include "frame/CommonRoutines.h"
 #include "frame/Failure.h"
 #include "frame/Regional.h"
+#include "sheet/SheetLoad.h"
 #include "store/ReadProgress.h"
 #include "store/SecurityReader.h"
 
@@ -35,15 +36,7 @@ ChartLoadEnd LoadChart(const QString& folder, const QString& symbol, std::vector
     const std::unique_ptr<ReadProgress> progress = ReadProgress::create();
     SecurityReader reader;
 
-    progress->Show();
-    reader.OpenFolder(folder.trimmed());
-    reader.OpenSecurity(symbol.trimmed());
-
-    const qint32 count = reader.GetRecordCount();
-    progress->SetRange(0, count);
-    progress->SetStep(1);
-    progress->SetCaption(QStringLiteral("Read Security data..."));
-    progress->SetMessage(QStringLiteral("Progress...."));
+    const qint32 count = OpenForLongRead(*progress, reader, folder, symbol);
 
     reader.SetRecordMode(2);
 

@@ -17,6 +17,20 @@ QString PeriodicityText(qint32 code) {
     }
 }
 
+qint32 OpenForLongRead(ReadProgress& progress, SecurityReader& reader, const QString& folder,
+                       const QString& symbol) {
+    progress.Show();
+    reader.OpenFolder(folder.trimmed());
+    reader.OpenSecurity(symbol.trimmed());
+
+    const qint32 count = reader.GetRecordCount();
+    progress.SetRange(0, count);
+    progress.SetStep(1);
+    progress.SetCaption(QStringLiteral("Read Security data..."));
+    progress.SetMessage(QStringLiteral("Progress...."));
+    return count;
+}
+
 SheetLoadEnd LoadSheet(const QString& folder, const QString& symbol, SheetRows& rows,
                        SheetLoadListener& listener) {
     rows.clear();
@@ -29,15 +43,7 @@ SheetLoadEnd LoadSheet(const QString& folder, const QString& symbol, SheetRows& 
     const std::unique_ptr<ReadProgress> progress = ReadProgress::create();
     SecurityReader reader;
     try {
-        progress->Show();
-        reader.OpenFolder(folder.trimmed());
-        reader.OpenSecurity(symbol.trimmed());
-
-        const qint32 count = reader.GetRecordCount();
-        progress->SetRange(0, count);
-        progress->SetStep(1);
-        progress->SetCaption(QStringLiteral("Read Security data..."));
-        progress->SetMessage(QStringLiteral("Progress...."));
+        const qint32 count = OpenForLongRead(*progress, reader, folder, symbol);
 
         // "Last Date" starts as the first date; the record read last replaces it at the end.
         const QString firstDate = DateToText(reader.GetFirstDate());

@@ -30,3 +30,11 @@ SheetLoadEnd LoadSheet(const QString& folder, const QString& symbol, SheetRows& 
 
 // The periodicity box's text for a periodicity code: "Daily", "Weekly", "Monthly", else the digits.
 QString PeriodicityText(qint32 code);
+
+class ReadProgress;
+class SecurityReader;
+// The start of a long read, as the sheet and the chart make it: the progress window shown, the
+// folder and the security opened (names trimmed), the window's range, step, caption and message
+// set. Returns the security's record count; a failure of the store is raised.
+qint32 OpenForLongRead(ReadProgress& progress, SecurityReader& reader, const QString& folder,
+                       const QString& symbol);
