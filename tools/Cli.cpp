@@ -1,6 +1,7 @@
 #include "Cli.h"
 
 #include "DownloadCommands.h"
+#include "ExportCommand.h"
 
 #include "frame/Failure.h"
 #include "frame/Regional.h"
@@ -189,6 +190,10 @@ QString cliUsage() {
         "  import FOLDER SYMBOL FILE               adds the records of a CSV file with the header of dump;\n"
         "                                          a date the security holds is replaced\n"
         "  check FOLDER                            reports every inconsistency of the folder\n"
+        "  export FOLDER DEST [--merge] [--symbols S,...] [--iso]\n"
+        "                                          the CSV files of Tools > Convert: data.csv (--merge) or\n"
+        "                                          SYMBOL.csv each; --iso writes yyyy-mm-dd dates and a\n"
+        "                                          decimal point whatever the regional settings\n"
         "  download quotes FOLDER... [--symbols S,...]\n"
         "                                          the World Exchanges download of every security of the\n"
         "                                          folders (or of the symbols given), merged as the\n"
@@ -233,6 +238,26 @@ int runCli(const QStringList& arguments, QTextStream& out, QTextStream& err, boo
             if (rest.size() != 1)
                 throw Usage{QStringLiteral("check takes one folder")};
             return check(rest[0], out);
+        }
+        if (command == QLatin1String("export")) {
+            QStringList places, symbols;
+            bool merge = false, iso = false;
+            for (int i = 0; i < rest.size(); ++i) {
+                if (rest[i] == QLatin1String("--merge")) {
+                    merge = true;
+                } else if (rest[i] == QLatin1String("--iso")) {
+                    iso = true;
+                } else if (rest[i] == QLatin1String("--symbols")) {
+                    if (++i >= rest.size())
+                        throw Usage{QStringLiteral("--symbols takes a list of symbols")};
+                    symbols += rest[i].split(QLatin1Char(','), Qt::SkipEmptyParts);
+                } else {
+                    places << rest[i];
+                }
+            }
+            if (places.size() != 2)
+                throw Usage{QStringLiteral("export takes a folder and a destination")};
+            return exportCsv(places[0], places[1], symbols, merge, iso, out, err);
         }
         if (command == QLatin1String("download")) {
             if (rest.value(0) != QLatin1String("quotes"))

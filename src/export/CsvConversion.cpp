@@ -122,7 +122,7 @@ void CsvConversion::convert(const QString& dataFolder, const QString& destinatio
                             bool merge, CsvConversionListener* listener) {
     const QString folder = dataFolder.trimmed();
     const QString target = destination.trimmed();
-    const CsvText text;
+    const CsvText text(isoForm ? CsvText::Style::Iso : CsvText::Style::Regional);
 
     std::optional<CsvFile> merged;
     if (merge)

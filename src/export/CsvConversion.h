@@ -40,6 +40,10 @@ public:
     void convert(const QString& dataFolder, const QString& destination, const QStringList& symbols,
                  bool merge, CsvConversionListener* listener = nullptr);
 
+    // Dates as yyyy-mm-dd and numbers with a decimal point whatever the locale, in place of the
+    // regional settings' forms.
+    bool isoForm = false;
+
     // The file a security's own output goes into.
     static QString separateFile(const QString& destination, const QString& symbol);
 

@@ -103,7 +103,14 @@ QByteArray CodePage::encode(QStringView text) const {
 
 // --- CsvText ---
 
-CsvText::CsvText() {
+CsvText::CsvText(Style style) : style_(style) {
+    if (style == Style::Iso) {
+        plainDigits_ = true;
+        decimal_ = ".";
+        dateForm_ = {{DatePart::Year, 4, {}}, {DatePart::Text, 0, "-"}, {DatePart::Month, 2, {}},
+                     {DatePart::Text, 0, "-"}, {DatePart::Day, 2, {}}};
+        return;
+    }
     const QLocale locale;
     plainDigits_ = locale.zeroDigit() == QStringLiteral("0") && locale.negativeSign() == QStringLiteral("-");
     decimal_ = codePage_.encode(locale.decimalPoint());
@@ -220,7 +227,10 @@ void CsvText::appendDate(qint32 storeDate, QByteArray& out) const {
 }
 
 void CsvText::appendSlowNumber(double value, QByteArray& out) const {
-    codePage_.append(Regional::numberText(value), out);
+    if (style_ == Style::Iso)
+        out.append(QByteArray::number(value, 'g', 15));
+    else
+        codePage_.append(Regional::numberText(value), out);
 }
 
 void CsvText::appendNumber(double value, QByteArray& out) const {

@@ -34,7 +34,11 @@ private:
 
 class CsvText {
 public:
-    CsvText();
+    // Regional: dates and numbers as the regional settings write them (the screen's files).
+    // Iso: yyyy-mm-dd dates and a decimal point whatever the locale, for other programs to read.
+    enum class Style { Regional, Iso };
+
+    explicit CsvText(Style style = Style::Regional);
     ~CsvText();
     CsvText(const CsvText&) = delete;
     CsvText& operator=(const CsvText&) = delete;
@@ -68,4 +72,5 @@ private:
     std::vector<DatePart> dateForm_;   // empty: every date goes through DateToText
     bool plainDigits_ = false;         // the locale writes numbers with ASCII digits and "-"
     QByteArray decimal_;               // the locale's decimal separator, in the code page
+    Style style_;
 };
