@@ -194,6 +194,10 @@ QString cliUsage() {
         "                                          the CSV files of Tools > Convert: data.csv (--merge) or\n"
         "                                          SYMBOL.csv each; --iso writes yyyy-mm-dd dates and a\n"
         "                                          decimal point whatever the regional settings\n"
+        "  download bhavcopy FOLDER [--from YYYYMMDD] [--to YYYYMMDD]\n"
+        "                                          the NSE India walk, one request per calendar day from\n"
+        "                                          the day after the date in values.dat (or --from) to\n"
+        "                                          today (or --to); one line per day with data\n"
         "  download quotes FOLDER... [--symbols S,...]\n"
         "                                          the World Exchanges download of every security of the\n"
         "                                          folders (or of the symbols given), merged as the\n"
@@ -260,8 +264,26 @@ int runCli(const QStringList& arguments, QTextStream& out, QTextStream& err, boo
             return exportCsv(places[0], places[1], symbols, merge, iso, out, err);
         }
         if (command == QLatin1String("download")) {
+            if (rest.value(0) == QLatin1String("bhavcopy")) {
+                QStringList folders;
+                QDate from, to;
+                for (int i = 1; i < rest.size(); ++i) {
+                    if (rest[i] == QLatin1String("--from") || rest[i] == QLatin1String("--to")) {
+                        if (i + 1 >= rest.size())
+                            throw Usage{QStringLiteral("%1 takes a date YYYYMMDD").arg(rest[i])};
+                        const QDate date = Regional::fromStoreDate(dateArgument(rest[i + 1]));
+                        (rest[i] == QLatin1String("--from") ? from : to) = date;
+                        ++i;
+                    } else {
+                        folders << rest[i];
+                    }
+                }
+                if (folders.size() != 1)
+                    throw Usage{QStringLiteral("download bhavcopy takes one folder")};
+                return downloadBhavCopies(folders[0], from, to, out, err);
+            }
             if (rest.value(0) != QLatin1String("quotes"))
-                throw Usage{QStringLiteral("download takes: quotes")};
+                throw Usage{QStringLiteral("download takes: quotes or bhavcopy")};
             QStringList folders, symbols;
             for (int i = 1; i < rest.size(); ++i) {
                 if (rest[i] == QLatin1String("--symbols")) {

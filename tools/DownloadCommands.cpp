@@ -2,7 +2,9 @@
 
 #include "ConsolePlatform.h"
 
+#include "download/BhavCopy.h"
 #include "download/DownloadRun.h"
+#include "download/NseDailyRun.h"
 #include "download/Inet.h"
 #include "frame/Failure.h"
 #include "frame/ProgramState.h"
@@ -11,6 +13,7 @@
 
 #include <QElapsedTimer>
 #include <QSet>
+#include <QTimer>
 
 #include <csignal>
 
@@ -147,6 +150,65 @@ int downloadQuotes(const QStringList& folders, const QStringList& symbols, QText
         status = 1;
     if (stopped) {
         err << "Stopped after the security in hand; nothing is half written.\n";
+        status = 130;
+    }
+    if (ownPlatform)
+        setPlatform(nullptr);
+    return status;
+}
+
+namespace {
+
+class DayLines : public NseDailyListener {
+public:
+    explicit DayLines(QTextStream& out) : out_(out) {}
+    void runStarted() override {}
+    void walkStarted() override { walked = true; }
+    void dayUpdated(const QString& line) override {
+        out_ << line << '\n';
+        out_.flush();
+        ++days;
+    }
+    void walkEnded() override {}
+    void runEnded() override {}
+    int days = 0;
+    bool walked = false;   // false: the run could not start, and its box said why
+
+private:
+    QTextStream& out_;
+};
+
+} // namespace
+
+int downloadBhavCopies(const QString& folder, const QDate& from, const QDate& to, QTextStream& out,
+                       QTextStream& err) {
+    ConsolePlatform console(err);
+    const bool ownPlatform = installedPlatform() == nullptr;
+    if (ownPlatform)
+        setPlatform(&console);
+    stopAsked = 0;
+
+    Inet connection;
+    const std::unique_ptr<BhavCopySource> source = MakeBhavCopySource(connection);
+    DayLines lines(out);
+    NseDailyRun run(*source, lines);
+    run.FirstDay = from;
+    run.LastDay = to;
+    // Ctrl+C ends the walk after the day in hand, with or without data.
+    QTimer watch;
+    watch.setInterval(50);
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (stopAsked)
+            run.LeaveRequested = true;
+    });
+    watch.start();
+    run.BeginDownload(folder);
+    watch.stop();
+
+    int status = lines.walked ? 0 : 1;
+    out << lines.days << " days with data\n";
+    if (stopAsked) {
+        err << "Stopped after the day in hand; nothing is half written.\n";
         status = 130;
     }
     if (ownPlatform)

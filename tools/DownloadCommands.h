@@ -1,6 +1,7 @@
 #pragma once
 // The unattended downloads of brindlemark-cli.
 
+#include <QDate>
 #include <QStringList>
 #include <QTextStream>
 
@@ -11,6 +12,13 @@
 // done, 1 a security failed (named on `err`), 130 stopped by Ctrl+C after the security in hand.
 int downloadQuotes(const QStringList& folders, const QStringList& symbols, QTextStream& out, QTextStream& err,
                    bool progressOnTerminal);
+
+// `download bhavcopy FOLDER [--from DATE] [--to DATE]`: the NSE India walk over the folder, from
+// the day after its values.dat's date (or `from`) to today (or `to`); values.dat is rewritten as
+// the screen rewrites it. One line per day with data. Exit status: 0 done, 1 the run could not
+// start (the reason on `err`), 130 stopped by Ctrl+C after the day in hand.
+int downloadBhavCopies(const QString& folder, const QDate& from, const QDate& to, QTextStream& out,
+                       QTextStream& err);
 
 // Asks a run in progress to stop after the security in hand (safe to call from a signal handler).
 void requestStop();

@@ -78,7 +78,7 @@ void NseDailyRun::BeginDownload(const QString& folderText) {
         backToIdle();
         return;
     }
-    const auto start = valuesDate(valuesText);
+    const auto start = FirstDay.isValid() ? std::optional<QDate>(FirstDay.addDays(-1)) : valuesDate(valuesText);
     if (!start) {
         // Never walk from a date that isn't there.
         MsgBox(QStringLiteral("The date \"%1\" in values.dat can't be read. Nothing was downloaded.").arg(valuesText),
@@ -105,7 +105,7 @@ void NseDailyRun::BeginDownload(const QString& folderText) {
 
 void NseDailyRun::walk(const QString& folder) {
     // Every calendar day up to today; weekends and holidays are told by their short replies.
-    const qint64 days = startDate_.daysTo(platform().today());
+    const qint64 days = startDate_.daysTo(LastDay.isValid() ? LastDay : platform().today());
     for (qint64 i = 1; i <= days; ++i) {
         currentDate_ = startDate_.addDays(i);
         const auto rows = source_.FetchDay(currentDate_);

@@ -49,6 +49,11 @@ public:
     bool LeaveRequested = false;
     bool Running() const { return running_; }
 
+    // Set by the command line: when valid, the walk starts on FirstDay in place of the day after
+    // values.dat's date, and ends on LastDay in place of today.
+    QDate FirstDay;
+    QDate LastDay;
+
 private:
     void walk(const QString& folder);
     void writeDay(const QString& folder, const QList<BhavRow>& rows);

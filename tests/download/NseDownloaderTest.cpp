@@ -1,6 +1,7 @@
 // The NSE Downloader against a loopback stand-in for the exchange's archive: walks over real
 // folders made as Create New Symbols makes them, read back through the store.
 
+#include "Cli.h"
 #include "DownloadTestKit.h"
 
 #include "catalogue/CreateSymbols.h"
@@ -346,6 +347,40 @@ TEST_F(NseRun, FolderChooserAndProgressBar) {
     EXPECT_EQ(dlg.progressBar->value(), 100);
     dlg.tick();
     EXPECT_EQ(dlg.progressBar->value(), 1);
+}
+
+} // namespace
+
+namespace {
+
+// brindlemark-cli download bhavcopy: the same walk without a screen, bounded by --from and --to.
+TEST_F(NseRun, CommandLineWalksBetweenTheDaysGivenAndKeepsValuesAsTheScreenDoes) {
+    const auto cli = [](const QStringList& arguments, QStringList& lines) {
+        QString outText, errText;
+        QTextStream out(&outText), err(&errText);
+        const int status = runCli(arguments, out, err);
+        out.flush();
+        lines = outText.split(u'\n', Qt::SkipEmptyParts);
+        return status;
+    };
+    createSymbols({"ABC", "XYZ"}, {2026, 11, 2});
+    serveDay({2026, 11, 3}, bhavRow("ABC", whole(0, 10, 1500)));
+    serveDay({2026, 11, 5}, bhavRow("XYZ", whole(0, 20, 700)));
+    QStringList lines;
+    ASSERT_EQ(cli({"download", "bhavcopy", folder, "--to", "20261104"}, lines), 0);
+    EXPECT_EQ(lines, (QStringList{updated({2026, 11, 3}), "1 days with data"}));
+    EXPECT_EQ(server.targets.size(), 2);
+    EXPECT_EQ(valuesFile(), valuesText({2026, 11, 3}));
+    EXPECT_EQ(storedBars(folder, "ABC"), (QList<StoredBar>{whole(20261103, 10, 1500)}));
+
+    ASSERT_EQ(cli({"download", "bhavcopy", folder, "--from", "20261105", "--to", "20261105"}, lines), 0);
+    EXPECT_EQ(lines, (QStringList{updated({2026, 11, 5}), "1 days with data"}));
+    EXPECT_EQ(valuesFile(), valuesText({2026, 11, 5}));
+    EXPECT_EQ(storedBars(folder, "XYZ"), (QList<StoredBar>{whole(20261105, 20, 700)}));
+
+    EXPECT_EQ(cli({"download", "bhavcopy"}, lines), 2);
+    EXPECT_EQ(cli({"download", "bhavcopy", folder, "--from", "2026"}, lines), 2);
+    EXPECT_EQ(cli({"download", "bhavcopy", temp.path() + "/no-store"}, lines), 1);
 }
 
 } // namespace
