@@ -6,14 +6,10 @@
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
-#include <QSettings>
-#include <QStandardPaths>
 #include <QUrl>
 #include <QWidget>
 
 namespace {
-
-const QString MakerName = QStringLiteral("Brindlemark");
 
 // The window a dialog belongs to: the given owner's window, else the active one.
 QWidget* ownerWindow(QObject* owner) {
@@ -45,9 +41,6 @@ QMessageBox::StandardButtons boxButtons(MsgButtons buttons) {
     return QMessageBox::Ok;
 }
 
-QSettings settingsStore() {
-    return QSettings(QSettings::NativeFormat, QSettings::UserScope, MakerName, ProgramTitle);
-}
 
 } // namespace
 
@@ -85,31 +78,4 @@ bool QtPlatform::openAddress(const QString& address) {
     return QDesktopServices::openUrl(QUrl::fromUserInput(address));
 }
 
-QDate QtPlatform::today() { return QDate::currentDate(); }
-
 void QtPlatform::quit() { QCoreApplication::exit(0); }
-
-QString QtPlatform::programFolder() { return QCoreApplication::applicationDirPath(); }
-
-QString QtPlatform::userDataFolder() {
-    return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation))
-        .filePath(MakerName + u'/' + ProgramTitle);
-}
-
-QString QtPlatform::cacheFolder() {
-    return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation))
-        .filePath(MakerName + u'/' + ProgramTitle);
-}
-
-QString QtPlatform::getSetting(const QString& section, const QString& key, const QString& defaultValue) {
-    QSettings store = settingsStore();
-    store.beginGroup(section);
-    return store.value(key, defaultValue).toString();
-}
-
-void QtPlatform::saveSetting(const QString& section, const QString& key, const QString& value) {
-    QSettings store = settingsStore();
-    store.beginGroup(section);
-    store.setValue(key, value);
-    store.sync();
-}
