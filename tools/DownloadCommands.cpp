@@ -9,6 +9,7 @@
 #include "frame/Failure.h"
 #include "frame/ProgramState.h"
 #include "frame/Regional.h"
+#include "store/FolderLock.h"
 #include "store/SecurityReader.h"
 
 #include <QElapsedTimer>
@@ -16,6 +17,8 @@
 #include <QTimer>
 
 #include <csignal>
+#include <list>
+#include <optional>
 
 namespace {
 
@@ -123,8 +126,11 @@ int downloadQuotes(const QStringList& folders, const QStringList& symbols, QText
     for (const QString& s : symbols)
         wanted.insert(s.trimmed().toUpper());
     int status = 0;
+    // Each folder is held from here to the end: a folder another program is writing is left out.
+    std::list<FolderLock> locks;
     for (const QString& folder : folders) {
         try {
+            locks.emplace_back(folder, "brindlemark-cli", "download");
             addItems(folder, wanted, found);
         } catch (const Failure& failure) {
             err << folder << ": " << failure.Description << '\n';
@@ -187,6 +193,16 @@ int downloadBhavCopies(const QString& folder, const QDate& from, const QDate& to
     if (ownPlatform)
         setPlatform(&console);
     stopAsked = 0;
+
+    std::optional<FolderLock> lock;
+    try {
+        lock.emplace(folder, "brindlemark-cli", "download");
+    } catch (const Failure& failure) {
+        err << failure.Description << '\n';
+        if (ownPlatform)
+            setPlatform(nullptr);
+        return 1;
+    }
 
     Inet connection;
     const std::unique_ptr<BhavCopySource> source = MakeBhavCopySource(connection);

@@ -6,10 +6,12 @@
 #include "frame/ProgramState.h"
 #include "frame/Platform.h"
 #include "frame/Regional.h"
+#include "store/FolderLock.h"
 #include "store/SecurityWriter.h"
 
 #include <algorithm>
 #include <limits>
+#include <list>
 
 namespace {
 
@@ -72,6 +74,25 @@ void DownloadRun::RunDownload() {
     fetchReached_ = false;
     const int count = handOvers().DownloadItems.upperBound();
     bool cancelled = false;
+    // Every folder of the run is held for the whole run, so that no other program writes it
+    // meanwhile; one that another program holds now stops the run before anything is fetched.
+    std::list<FolderLock> locks;
+    QStringList lockedFolders;
+    try {
+        for (int i = 1; i <= count; ++i) {
+            const QString folder = handOvers().DownloadItems[i].Folder.trimmed();
+            if (!folder.isEmpty() && !lockedFolders.contains(folder)) {
+                locks.emplace_back(folder, "DownloadRun", "RunDownload");
+                lockedFolders << folder;
+            }
+        }
+    } catch (const Failure& failure) {
+        locks.clear();
+        MsgBox(failure.Description, MsgIcon::Critical);
+        passOver([&] { listener_.runEnded(); });
+        running_ = false;
+        return;
+    }
     try {
         for (int i = 1; i <= count && i <= std::numeric_limits<qint16>::max(); ++i) {
             handleItem(i, count);
@@ -88,6 +109,8 @@ void DownloadRun::RunDownload() {
         // A failure before the first fetch ends the run at once.
         release();
     }
+
+    locks.clear();   // not held while the box waits for the user
 
     // Closing steps, reached by every end of the run.
     passOver([&] { listener_.runEnded(); });

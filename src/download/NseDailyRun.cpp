@@ -6,11 +6,13 @@
 #include "frame/Failure.h"
 #include "frame/Platform.h"
 #include "frame/Regional.h"
+#include "store/FolderLock.h"
 #include "store/SecurityWriter.h"
 
 #include <QFile>
 
 #include <limits>
+#include <optional>
 
 namespace {
 
@@ -88,6 +90,16 @@ void NseDailyRun::BeginDownload(const QString& folderText) {
     }
     startDate_ = *start;
 
+    // The folder is held for the whole walk: no other program writes it meanwhile.
+    std::optional<FolderLock> lock;
+    try {
+        lock.emplace(folder, "NseDailyRun", "BeginDownload");
+    } catch (const Failure& failure) {
+        MsgBox(failure.Description, MsgIcon::Warning);
+        backToIdle();
+        return;
+    }
+
     listener_.walkStarted();
     walk(folder);
 
@@ -98,6 +110,7 @@ void NseDailyRun::BeginDownload(const QString& folderText) {
             CreateSymbols::WriteValuesText(folder, (Regional::dateText(startDate_) + QStringLiteral("\r\n")).toUtf8());
         });
     }
+    lock.reset();   // not held while the box waits for the user
     backToIdle();
     listener_.walkEnded();
     MsgBox(QStringLiteral("Download Completed."), MsgIcon::Information);

@@ -3,6 +3,7 @@
 #include "frame/Failure.h"
 #include "frame/Regional.h"
 #include "store/StoreFiles.h"
+#include "store/FolderLock.h"
 #include "store/Refusal.h"
 #include "store/StoreFolder.h"
 
@@ -73,6 +74,7 @@ QString nameFor(const QString& name, const QString& symbol, const char* operatio
 } // namespace
 
 struct SecurityWriter::Impl {
+    std::optional<FolderLock> lock;   // held from OpenFolder to CloseFolder
     std::optional<Folder> folder;
     bool indexDirty = false;  // the index in memory differs from the one on disk
     // Securities created, deleted and renamed since the index was last written: the index files
@@ -197,6 +199,8 @@ struct SecurityWriter::Impl {
         const bool onlyAdds = std::all_of(pending.begin(), pending.end(), [](const auto& p) { return p.second.has_value(); });
         if (onlyAdds && disk.ordered && (disk.count == 0 || pending.begin()->first > disk.lastDate))
             append();
+        else if (onlyAdds && disk.ordered && !layout.time && replacesTailInPlace())
+            overwriteTail();
         else if (disk.ordered && !layout.time)
             rewriteTail();
         else
@@ -243,6 +247,41 @@ struct SecurityWriter::Impl {
             for (const Record& r : added)
                 dates.push_back(r.date);
         }
+    }
+
+    // Whether the pending records give every record from the first pending date on a new value of
+    // the same date, and add only dates after the last: then each record keeps its place.
+    bool replacesTailInPlace() {
+        load();
+        const auto from = std::lower_bound(dates.begin(), dates.end(), pending.begin()->first);
+        if (qsizetype(dates.end() - from) > qsizetype(pending.size()))
+            return false;
+        auto p = pending.begin();
+        for (auto d = from; d != dates.end(); ++d, ++p)
+            if (p->first != *d)
+                return false;
+        return true;
+    }
+
+    // The tail written over where it lies and the new records after it, the count last: a file
+    // cut short at any point holds every date it held, each with its old or its new values.
+    void overwriteTail() {
+        const int kept = int(std::lower_bound(dates.begin(), dates.end(), pending.begin()->first) - dates.begin());
+        std::vector<Record> after;
+        after.reserve(pending.size());
+        for (const auto& p : pending)
+            after.push_back(*p.second);
+        const int count = kept + int(after.size());
+        checkCount(count);
+        const qint64 length = layout.recordLength();
+        const QByteArray tail = encodeRecords(after, layout);
+        std::vector<std::pair<qint64, QByteArray>> parts{{(kept + 1) * length, tail}};
+        if (count != disk.count)
+            parts.push_back({2, dataHeader(count, layout).mid(2, 2)});
+        StoreFiles::writeParts(dataPath(), parts);
+        QByteArray bytes = raw.left(qsizetype(kept + 1) * length) + tail;
+        setDataCount(bytes, count);
+        keep(std::move(bytes), kept, after);
     }
 
     // An ordered daily file: the records before the first pending date stay as they lie, the rest
@@ -393,6 +432,7 @@ struct SecurityWriter::Impl {
 
     void dropFolder() {
         folder.reset();
+        lock.reset();
         indexDirty = false;
         created = deleted = renamed = 0;
         newFiles.clear();
@@ -482,9 +522,9 @@ void SecurityWriter::AddQuote(qint32 storeDate, qint32 mark, double open, double
 
 void SecurityWriter::CloseFolder() { d->closeFolder(); }
 
-void SecurityWriter::OpenFolder(const QString& folderPath) {
-    d->closeFolder();
-    Folder folder = Folder::open(folderPath.trimmed(), false);
+namespace {
+Folder openForWriting(const QString& folderPath) {
+    Folder folder = Folder::open(folderPath, false);
     // A store whose index files are read-only is not written to at all, whatever the system
     // would allow.
     for (const char* name : {"MASTER", "EMASTER", "XMASTER"}) {
@@ -495,8 +535,21 @@ void SecurityWriter::OpenFolder(const QString& folderPath) {
                        .arg(QDir::toNativeSeparators(folder.path), file),
                    "OpenFolder");
     }
-    d->folder = std::move(folder);
+    return folder;
 }
+} // namespace
+
+void SecurityWriter::OpenFolder(const QString& folderPath) {
+    d->closeFolder();
+    d->lock.emplace(folderPath.trimmed(), "SecurityWriter", "OpenFolder");
+    try {
+        d->folder = openForWriting(folderPath.trimmed());
+    } catch (...) {
+        d->lock.reset();
+        throw;
+    }
+}
+
 
 void SecurityWriter::FindSecurity(const QString& name) {
     d->requireFolder("FindSecurity");

@@ -72,4 +72,19 @@ TEST_F(CliDownload, UsageFailuresAndAStopAfterTheSecurityInHand) {
     EXPECT_TRUE(StoreCheck::checkFolder(a).empty());
 }
 
+TEST_F(CliDownload, AFolderAnotherRunIsWritingIsRefusedAndNothingIsAsked) {
+    const QString a = temp.sub("a");
+    makeSecurity(a, "AAA.NS", "Alpha", {bar(20261110, 10)});
+    writeTextFile(a + "/values.dat", "10/11/2026\r\n");
+    replies.insert("AAA.NS", LoopbackReply::ok(Header + line(bar(20261111, 11))));
+    const ForeignLockHolder scheduledRun(a);
+    for (const QStringList& command : {QStringList{"download", "quotes", a}, QStringList{"download", "bhavcopy", a}}) {
+        SCOPED_TRACE(command.join(' ').toStdString());
+        EXPECT_EQ(run(command), 1);
+        EXPECT_TRUE(stderrText.contains("is being written by brindlemark-cli (process 4242)")) << stderrText.toStdString();
+    }
+    EXPECT_TRUE(server.targets.isEmpty());
+    EXPECT_EQ(storedBars(a, "AAA.NS"), (QList<StoredBar>{bar(20261110, 10)}));
+}
+
 } // namespace

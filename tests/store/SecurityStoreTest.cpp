@@ -431,6 +431,32 @@ TEST(StoreWriting, ReadOnlyFilesAreRefusedBeforeAnythingIsWritten) {
     }
 }
 
+TEST(StoreWriting, AFolderAnotherProgramWritesIsRefusedUntilItLetsGo) {
+    TempFolder folder;
+    makeSecurity(folder.path(), QStringLiteral("AAA"), {20050801});
+    {
+        const ForeignLockHolder other(folder.path());
+        SecurityWriter w;
+        const std::string text = failureText([&] { w.OpenFolder(folder.path()); });
+        EXPECT_TRUE(contains(text, "is being written by brindlemark-cli (process 4242)")) << text;
+        // Reading goes on as ever.
+        EXPECT_EQ(readDates(folder.path(), QStringLiteral("AAA")), std::vector<qint32>{20050801});
+    }
+    // Once the other program has ended, two writers of this program share the folder, and the
+    // lock file goes with the last of them.
+    {
+        SecurityWriter first, second;
+        first.OpenFolder(folder.path());
+        second.OpenFolder(folder.path());
+        second.OpenSecurity(QStringLiteral("AAA"));
+        second.AddQuote(20050802, -1, 1, 1, 1, 1, 1, -1);
+        second.CloseFolder();
+        EXPECT_TRUE(exists(folder, "brindlemark.lck"));
+    }
+    EXPECT_FALSE(exists(folder, "brindlemark.lck"));
+    EXPECT_EQ(readDates(folder.path(), QStringLiteral("AAA")), (std::vector<qint32>{20050801, 20050802}));
+}
+
 TEST(StoreWriting, AFailedWriteSaysWhatWasStoredAndWhatWasNot) {
     const struct {
         int write;  // the write that fails, of: append records (1, 2), index (3.. )

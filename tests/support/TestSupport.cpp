@@ -3,6 +3,12 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QSysInfo>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 QString metastockFixture(const QString& name) {
     const QString path = QDir(QStringLiteral(BM_FIXTURES_DIR "/metastock")).filePath(name);
@@ -37,4 +43,43 @@ QByteArray readFileBytes(const QString& path) {
     if (!file.open(QIODevice::ReadOnly))
         return {};
     return file.readAll();
+}
+
+ForeignLockHolder::ForeignLockHolder(const QString& folder) {
+    const QByteArray path = QFile::encodeName(QDir(folder).filePath(QStringLiteral("brindlemark.lck")));
+    const QByteArray holder = "brindlemark-cli 4242 " + QSysInfo::machineHostName().toUtf8() + '\n';
+    int ready[2], release[2];
+    if (::pipe(ready) != 0 || ::pipe(release) != 0) {
+        ADD_FAILURE() << "no pipe for the lock holder";
+        return;
+    }
+    pid_ = ::fork();
+    if (pid_ == 0) {
+        // Only system calls from here: the child of a threaded process.
+        ::close(ready[0]);
+        ::close(release[1]);
+        const int fd = ::open(path.constData(), O_RDWR | O_CREAT, 0644);
+        if (fd < 0 || ::flock(fd, LOCK_EX) != 0 || ::pwrite(fd, holder.constData(), size_t(holder.size()), 0) < 0)
+            ::_exit(1);
+        char byte = 1;
+        if (::write(ready[1], &byte, 1) != 1)
+            ::_exit(1);
+        while (::read(release[0], &byte, 1) > 0) {
+        }
+        ::_exit(0);
+    }
+    ::close(ready[1]);
+    ::close(release[0]);
+    release_ = release[1];
+    char byte = 0;
+    if (::read(ready[0], &byte, 1) != 1)
+        ADD_FAILURE() << "the lock holder did not take the lock of " << path.constData();
+    ::close(ready[0]);
+}
+
+ForeignLockHolder::~ForeignLockHolder() {
+    if (release_ >= 0)
+        ::close(release_);
+    if (pid_ > 0)
+        ::waitpid(pid_, nullptr, 0);
 }

@@ -52,3 +52,18 @@ bool copyFixture(const QString& name, const QString& target);
 // Writes text to a file, replacing it.
 void writeTextFile(const QString& path, const QByteArray& bytes);
 QByteArray readFileBytes(const QString& path);
+
+// The lock of a data folder held by another process, as a second run of the program would hold
+// it ("brindlemark-cli", process 4242, this host). Returns once the lock is held; the holder ends
+// with the object, and its lock with it.
+class ForeignLockHolder {
+public:
+    explicit ForeignLockHolder(const QString& folder);
+    ~ForeignLockHolder();
+    ForeignLockHolder(const ForeignLockHolder&) = delete;
+    ForeignLockHolder& operator=(const ForeignLockHolder&) = delete;
+
+private:
+    int pid_ = -1;
+    int release_ = -1;   // the holder ends when this end of its pipe closes
+};

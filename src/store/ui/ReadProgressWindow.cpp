@@ -73,19 +73,25 @@ void ReadProgressWindow::SetStep(qint32 step) { step_ = step; }
 
 void ReadProgressWindow::StepIt() {
     value_ = std::min(ProgressBar1->maximum(), value_ + step_);
-    // The bar follows at once when its percent changes; the finer moves wait for the next frame.
+    // The bar takes each new percent at once, but is painted only with the next frame: a bar
+    // would otherwise paint itself on the spot a hundred times a read.
     const qint64 span = std::max<qint64>(1, qint64(ProgressBar1->maximum()) - ProgressBar1->minimum());
     const qint64 percent = (qint64(value_) - ProgressBar1->minimum()) * 100 / span;
     if (percent != shownPercent_) {
         shownPercent_ = percent;
+        ProgressBar1->setUpdatesEnabled(false);
         ProgressBar1->setValue(value_);
+        ProgressBar1->setUpdatesEnabled(true);
     }
     if (!sinceServed_.isValid() || sinceServed_.nsecsElapsed() >= frameNs_)
         serve();
 }
 
 void ReadProgressWindow::serve() {
+    ProgressBar1->setUpdatesEnabled(false);
     ProgressBar1->setValue(value_);
+    ProgressBar1->setUpdatesEnabled(true);
+    ProgressBar1->update();
     QCoreApplication::processEvents();
     sinceServed_.start();
 }
