@@ -10,6 +10,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 
 #ifndef Q_OS_WIN
 #include <langinfo.h>
@@ -115,6 +116,12 @@ CsvText::CsvText(Style style) : style_(style) {
     plainDigits_ = locale.zeroDigit() == QStringLiteral("0") && locale.negativeSign() == QStringLiteral("-");
     decimal_ = codePage_.encode(locale.decimalPoint());
     if (!learnDateForm())
+        dateForm_.clear();
+    // A line is put together in a buffer of its own: a form with long texts takes the general way.
+    qsizetype textBytes = 0;
+    for (const DatePart& part : dateForm_)
+        textBytes += part.text.size();
+    if (textBytes > 64)
         dateForm_.clear();
 }
 
@@ -292,8 +299,96 @@ void CsvText::appendNumber(double value, QByteArray& out) const {
     out.append(mantissa + whole, n - whole);
 }
 
+namespace {
+
+char* putDigits(int value, int width, char* p) {
+    char digits[12];
+    int n = 0;
+    do {
+        digits[n++] = static_cast<char>('0' + value % 10);
+        value /= 10;
+    } while (value > 0);
+    for (int i = n; i < width; ++i)
+        *p++ = '0';
+    while (n > 0)
+        *p++ = digits[--n];
+    return p;
+}
+
+} // namespace
+
+char* CsvText::putDate(qint32 storeDate, char* p) const {
+    if (dateForm_.empty() || storeDate <= 0)
+        return nullptr;
+    const int year = storeDate / 10000, month = storeDate / 100 % 100, day = storeDate % 100;
+    if (year < 1000 || year > 9999 || !QDate::isValid(year, month, day))
+        return nullptr;
+    for (const DatePart& part : dateForm_) {
+        switch (part.kind) {
+        case DatePart::Text:
+            std::memcpy(p, part.text.constData(), size_t(part.text.size()));
+            p += part.text.size();
+            break;
+        case DatePart::Day: p = putDigits(day, part.width, p); break;
+        case DatePart::Month: p = putDigits(month, part.width, p); break;
+        case DatePart::Year: p = putDigits(part.width == 2 ? year % 100 : year, part.width, p); break;
+        }
+    }
+    return p;
+}
+
+char* CsvText::putNumber(double value, char* p) const {
+    const auto single = static_cast<float>(value);
+    if (!std::isfinite(value) || static_cast<double>(single) != value)
+        return nullptr;
+    if (single == 0) {
+        *p = '0';
+        return p + 1;
+    }
+    if (std::trunc(value) == value && std::fabs(value) < 1e15)
+        return std::to_chars(p, p + 24, static_cast<long long>(value)).ptr;
+    if (!plainDigits_ || decimal_.size() != 1)
+        return nullptr;
+    // The shortest digits that read back as the same value, written plainly: what the general
+    // way writes too, unless the shortest form is the exponent form.
+    const auto result = std::to_chars(p, p + 24, single);
+    if (result.ec != std::errc())
+        return nullptr;
+    for (char* c = p; c != result.ptr; ++c) {
+        if (*c == 'e')
+            return nullptr;
+        if (*c == '.')
+            *c = decimal_[0];
+    }
+    return result.ptr;
+}
+
 void CsvText::appendRecord(const QByteArray& prefix, qint32 storeDate, const std::array<double, 5>& values,
                            QByteArray& out) const {
+    // A line is put together in place and appended whole.
+    char line[512];
+    if (prefix.size() <= 256) {
+        char* p = line;
+        std::memcpy(p, prefix.constData(), size_t(prefix.size()));
+        p = putDate(storeDate, p + prefix.size());
+        for (double value : values) {
+            if (!p)
+                break;
+            *p++ = ',';
+            p = putNumber(value, p);
+        }
+        if (p) {
+            *p++ = '\r';
+            *p++ = '\n';
+            out.append(line, p - line);
+            return;
+        }
+    }
+    appendRecordSlowly(prefix, storeDate, values, out);
+}
+
+void CsvText::appendRecordSlowly(const QByteArray& prefix, qint32 storeDate, const std::array<double, 5>& values,
+                                 QByteArray& out) const {
     out.append(prefix);
     appendDate(storeDate, out);
     for (double value : values) {

@@ -67,6 +67,12 @@ private:
     bool learnDateForm();
     void writeDateForm(int year, int month, int day, QByteArray& out) const;
     void appendSlowNumber(double value, QByteArray& out) const;
+    // The fast forms of a line's pieces, written at `p`; nullptr when the piece needs the general
+    // way (a date or number the learned forms do not cover).
+    char* putDate(qint32 storeDate, char* p) const;
+    char* putNumber(double value, char* p) const;
+    void appendRecordSlowly(const QByteArray& prefix, qint32 storeDate, const std::array<double, 5>& values,
+                            QByteArray& out) const;
 
     CodePage codePage_;
     std::vector<DatePart> dateForm_;   // empty: every date goes through DateToText

@@ -222,7 +222,7 @@ bool floatToMbf(float value, unsigned char* out) {
 qint32 storeDateFromYyymmdd(double yyymmdd) {
     if (!(yyymmdd > 0) || yyymmdd > 2e7)
         return 0;
-    return qint32(std::llround(yyymmdd)) + 19000000;
+    return qint32(yyymmdd + 0.5) + 19000000;   // rounded; positive and small, so no library call
 }
 
 double yyymmddFromStoreDate(qint32 storeDate) { return storeDate == 0 ? 0.0 : double(storeDate - 19000000); }

@@ -394,7 +394,7 @@ struct SecurityWriter::Impl {
             return;
         try {
             StoreFiles::flushFiles(folder->path, newFiles);
-            folder->saveIndex();
+            folder->saveIndex(created + deleted + renamed == 0);
         } catch (const Failure& failure) {
             const int changed = created + deleted + renamed;
             rethrowSaying(failure, changed == 0

@@ -8,6 +8,10 @@
 #include <QRegularExpression>
 #include <QSet>
 
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
 namespace metastock {
 
 namespace {
@@ -104,7 +108,37 @@ void Folder::noteFile(const QString& name) {
 
 void Folder::forgetFile(const QString& name) { names_.remove(name.toUpper()); }
 
-void Folder::saveIndex() {
+namespace {
+
+// Writes over `path` only the records of `bytes` that differ from the file, when the file has the
+// length of `bytes`; false when it has not (or can't be read), and nothing was written.
+bool overwriteChangedRecords(const QString& path, const QByteArray& bytes, qsizetype recordLength) {
+    QByteArray disk;
+    try {
+        disk = StoreFiles::readAll(path, bytes.size());
+    } catch (const Failure&) {
+        return false;
+    }
+    if (disk.size() != bytes.size())
+        return false;
+    std::vector<std::pair<qint64, QByteArray>> parts;
+    for (qsizetype at = 0; at < bytes.size(); at += recordLength) {
+        const qsizetype length = std::min(recordLength, bytes.size() - at);
+        if (std::memcmp(disk.constData() + at, bytes.constData() + at, size_t(length)) == 0)
+            continue;
+        if (!parts.empty() && parts.back().first + parts.back().second.size() == at)
+            parts.back().second.append(bytes.constData() + at, length);
+        else
+            parts.push_back({at, bytes.mid(at, length)});
+    }
+    if (!parts.empty())
+        StoreFiles::writeParts(path, parts);
+    return true;
+}
+
+} // namespace
+
+void Folder::saveIndex(bool datesOnly) {
     const bool anyExtended = index.extendedCount() > 0;
     if (anyExtended && index.foreignXmaster)
         throw Failure(FailureNumber::Store,
@@ -120,20 +154,22 @@ void Folder::saveIndex() {
     const QByteArray emaster = writeEmaster ? buildEmaster(index) : QByteArray();
     const QByteArray xmaster = writeXmaster ? buildXmaster(index) : QByteArray();
 
-    auto put = [this](const QString& name, const QByteArray& bytes) {
-        StoreFiles::replaceFile(filePath(name), bytes);
+    auto put = [this, datesOnly](const QString& name, const QByteArray& bytes, qsizetype recordLength) {
+        const QString file = filePath(name);
+        if (!(datesOnly && hasFile(name) && overwriteChangedRecords(file, bytes, recordLength)))
+            StoreFiles::replaceFile(file, bytes);
         noteFile(name);
     };
     if (writeEmaster) {
-        put(QStringLiteral("EMASTER"), emaster);
+        put(QStringLiteral("EMASTER"), emaster, EmasterRecordLength);
         index.hasEmaster = true;
         index.emasterHeader = emaster.left(EmasterRecordLength);
     }
-    put(QStringLiteral("MASTER"), master);
+    put(QStringLiteral("MASTER"), master, MasterRecordLength);
     index.hasMaster = true;
     index.masterHeader = master.left(MasterRecordLength);
     if (writeXmaster) {
-        put(QStringLiteral("XMASTER"), xmaster);
+        put(QStringLiteral("XMASTER"), xmaster, XmasterRecordLength);
         index.hasXmaster = true;
         index.xmasterHeader = xmaster.left(XmasterRecordLength);
     }

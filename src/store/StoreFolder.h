@@ -37,8 +37,10 @@ public:
     void forgetFile(const QString& name);
 
     // Writes the index files: EMASTER before MASTER (MASTER decides), XMASTER when the folder
-    // has securities past 255 or an XMASTER already.
-    void saveIndex();
+    // has securities past 255 or an XMASTER already. With `datesOnly` (no security was created,
+    // deleted or renamed since the last write) an index file of the same length has only its
+    // changed records written, where they lie.
+    void saveIndex(bool datesOnly = false);
 
     // -1 when none (always for a blank symbol). Exact match first, then one without regard to case.
     int findBySymbol(const QString& symbol) const;

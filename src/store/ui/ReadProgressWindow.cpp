@@ -50,13 +50,12 @@ void ReadProgressWindow::Show() {
     show();
     if (QScreen* shownOn = screen(); shownOn && shownOn->refreshRate() >= 1)
         frameNs_ = static_cast<qint64>(1e9 / shownOn->refreshRate());
-    QCoreApplication::processEvents();
+    // Drawn a frame later, like every change after it: a read that ends sooner has no time
+    // to be seen, nor a Cancel to be clicked.
+    sinceServed_.start();
 }
 
-void ReadProgressWindow::Hide() {
-    hide();
-    QCoreApplication::processEvents();
-}
+void ReadProgressWindow::Hide() { hide(); }
 
 void ReadProgressWindow::SetRange(qint32 low, qint32 high) {
     ProgressBar1->setRange(low, std::max(low, high));
