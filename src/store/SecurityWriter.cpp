@@ -235,12 +235,14 @@ struct SecurityWriter::Impl {
         const QString path = dataPath();
         const qint64 length = layout.recordLength();
         const QByteArray bytes = encodeRecords(added, layout);
-        StoreFiles::writeParts(path, {{(disk.count + 1) * length, bytes}, {2, dataHeader(count, layout).mid(2, 2)}});
+        StoreFiles::Stamp written;
+        StoreFiles::writeParts(path, {{(disk.count + 1) * length, bytes}, {2, dataHeader(count, layout).mid(2, 2)}},
+                               &written);
         if (disk.count == 0)
             disk.firstDate = added.front().date;
         disk.lastDate = added.back().date;
         disk.count = count;
-        rememberSummary(path, layout, disk);
+        rememberSummary(path, layout, disk, written);
         if (loaded) {
             raw += bytes;
             setDataCount(raw, count);

@@ -200,7 +200,7 @@ void requireWritable(const QString& path) {
                       QStringLiteral("StoreFiles::write"));
 }
 
-void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteArray>>& parts) {
+void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteArray>>& parts, Stamp* written) {
 #ifdef Q_OS_UNIX
     // Straight to the system: this is the path of every appended record.
     const int fd = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CLOEXEC);
@@ -238,6 +238,19 @@ void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteAr
             writeFailed(path, go == Go::Half ? QStringLiteral("the store stopped") : systemError(error));
         }
     }
+    if (written) {
+        // Taken from the open file: one look at the path fewer on the path of every append.
+        *written = Stamp{};
+        if (::fstat(fd, &sb) == 0 && S_ISREG(sb.st_mode)) {
+            written->size = sb.st_size;
+            written->inode = quint64(sb.st_ino);
+#ifdef Q_OS_LINUX
+            written->modified = qint64(sb.st_mtim.tv_sec) * 1000000000 + sb.st_mtim.tv_nsec;
+#else
+            written->modified = qint64(sb.st_mtime) * 1000000000;
+#endif
+        }
+    }
     if (::close(fd) != 0)
         writeFailed(path, systemError(errno));
 #else
@@ -253,6 +266,9 @@ void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteAr
         if (go == Go::Half)
             writeFailed(path, QStringLiteral("the store stopped"));
     }
+    file.close();
+    if (written)
+        *written = stamp(path);
 #endif
 }
 

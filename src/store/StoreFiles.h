@@ -32,8 +32,10 @@ bool isReadOnly(const QString& path);
 // Raises Failure naming the file when isReadOnly().
 void requireWritable(const QString& path);
 
-// Writes each part at its offset into an existing file; each part is one write.
-void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteArray>>& parts);
+// Writes each part at its offset into an existing file; each part is one write. `written`, when
+// given, receives the file's stamp after the writes.
+void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteArray>>& parts,
+                Stamp* written = nullptr);
 // Replaces (or makes) a file through a temporary file beside it and a rename: two writes. The
 // temporary file is flushed to the disk before the rename, and the folder after it.
 void replaceFile(const QString& path, const QByteArray& bytes);

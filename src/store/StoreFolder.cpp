@@ -401,7 +401,12 @@ DataSummary summarize(const QString& path, const Layout& layout, const QString& 
 }
 
 void rememberSummary(const QString& path, const Layout& layout, const DataSummary& summary) {
-    cache().insert(path, CachedSummary{StoreFiles::stamp(path), layout.recordLength(), layout.time, summary});
+    rememberSummary(path, layout, summary, StoreFiles::stamp(path));
+}
+
+void rememberSummary(const QString& path, const Layout& layout, const DataSummary& summary,
+                     const StoreFiles::Stamp& stamp) {
+    cache().insert(path, CachedSummary{stamp, layout.recordLength(), layout.time, summary});
 }
 
 void forgetSummary(const QString& path) { cache().remove(path); }

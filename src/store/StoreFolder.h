@@ -3,6 +3,7 @@
 // file names (matched without regard to case), and what is known of each data file.
 
 #include "store/MetaStockFormat.h"
+#include "store/StoreFiles.h"
 
 #include <QHash>
 #include <QSet>
@@ -83,6 +84,9 @@ private:
 DataSummary summarize(const QString& path, const Layout& layout, const QString& fileName);
 // Records the summary of a file the store has just written.
 void rememberSummary(const QString& path, const Layout& layout, const DataSummary& summary);
+// The same, with the stamp the file got from that write.
+void rememberSummary(const QString& path, const Layout& layout, const DataSummary& summary,
+                     const StoreFiles::Stamp& stamp);
 void forgetSummary(const QString& path);
 DataSummary summaryOf(const std::vector<Record>& records, bool intraday);
 // The summary of the first `count` records of a data file's bytes; `dates`, when given, receives
