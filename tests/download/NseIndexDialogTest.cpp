@@ -1,7 +1,6 @@
 // "NSE Indices Download" against the loopback server: the folder field and its setting, the run
 // with a good archive, a refused one, a garbage body, a dead server, and a second run.
 #include "download/IndexDownload.h"
-#include "download/ServiceAddresses.h"
 #include "download/ui/NseIndexDialog.h"
 #include "support/LoopbackHttpServer.h"
 #include "support/Modal.h"
@@ -19,8 +18,8 @@ namespace {
 
 class IndexScreen : public ::testing::Test {
 protected:
-    IndexScreen() { ServiceAddresses::setNseIndexArchive(server.endpoint()); }
-    ~IndexScreen() override { ServiceAddresses::setNseIndexArchive({}); }
+    // The older protocol: the archive of an endpoint named in the settings.
+    IndexScreen() { platform.settings["Sources/IndexArchive"] = server.endpoint(); }
 
     ScriptedPlatform platform;
     LoopbackHttpServer server;
@@ -144,7 +143,7 @@ TEST_P(IndexScreenFailures, LeaveTheFolderAsItWas) {
     const FailedRun& c = GetParam();
     writeTextFile(folder + "/MASTER", "kept");
     if (c.deadServer)
-        ServiceAddresses::setNseIndexArchive(QStringLiteral("http://127.0.0.1:%1").arg(LoopbackHttpServer::deadPort()));
+        platform.settings["Sources/IndexArchive"] = QStringLiteral("http://127.0.0.1:%1").arg(LoopbackHttpServer::deadPort());
     else
         server.serve(c.reply);
     NseIndexDialog dialog;
