@@ -1,5 +1,7 @@
 // NSE India Index from the exchange's daily closes: the reader of a day's file, the symbols of new
-// securities, and the walk that brings an index folder up to date against the loopback server.
+// securities, the walk that brings an index folder up to date against the loopback server, and
+// brindlemark-cli's `download index`.
+#include "Cli.h"
 #include "DownloadTestKit.h"
 
 #include "download/IndexCloses.h"
@@ -206,6 +208,20 @@ TEST_F(IndexWalk, AStopTakesEffectOnceTheDayInHandIsWrittenWhole) {
     EXPECT_FALSE(walk.Stopped());
     EXPECT_EQ(server.targets.first(), "/content/indices/ind_close_all_05112024.csv");
     EXPECT_EQ(server.targets.size(), 4);
+}
+
+TEST_F(IndexWalk, TheCommandLineBringsTheFolderUpToDate) {
+    platform.todayDate = QDate(2024, 11, 5);
+    QDir().mkpath(folder);
+    makeSecurity(folder, "NIFTY50", "Nifty 50", {bar(20241101, 100)});
+    serveDay(QDate(2024, 11, 4), Head + "Nifty 50,04-11-2024,1,2,0.5,1.5,0,0,10,0,0,0,0\n");
+    QString outText, errText;
+    QTextStream out(&outText), err(&errText);
+    EXPECT_EQ(runCli({"download", "index", folder}, out, err), 0) << errText.toStdString();
+    out.flush();
+    EXPECT_EQ(outText, "04/11/2024 Updated: 1 index.\n1 days with data\n");
+    EXPECT_EQ(server.targets.size(), 4);
+    EXPECT_EQ(storedBars(folder, "NIFTY50").last(), (StoredBar{20241104, 1, 2, 0.5, 1.5, 10}));
 }
 
 } // namespace
