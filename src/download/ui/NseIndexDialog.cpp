@@ -10,6 +10,7 @@
 
 #include <QCloseEvent>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -44,10 +45,13 @@ NseIndexDialog::NseIndexDialog(QWidget* parent) : QDialog(parent) {
     layout->addWidget(folderLabel, 0, 0, 1, 2);
     layout->addWidget(folderEdit, 1, 0);
     layout->addWidget(selectFolderButton, 1, 1);
-    layout->addWidget(progressLabel, 2, 0);
+    // The day in hand and Stop share the row of Start Download, shown only during a run.
+    auto* progressRow = new QHBoxLayout;
+    progressRow->addWidget(progressLabel, 1);
+    progressRow->addWidget(stopButton);
+    layout->addLayout(progressRow, 2, 0);
     layout->addWidget(startDownloadButton, 2, 1);
-    layout->addWidget(stopButton, 3, 1);
-    layout->addWidget(noteLabel, 4, 0, 1, 2);
+    layout->addWidget(noteLabel, 3, 0, 1, 2);
 
     connect(selectFolderButton, &QPushButton::clicked, this, &NseIndexDialog::selectFolder);
     connect(startDownloadButton, &QPushButton::clicked, this, &NseIndexDialog::startDownload);
@@ -109,6 +113,7 @@ void NseIndexDialog::updateFolder(const QString& address) {
         return;
     }
     run_ = nullptr;
+    stopButton->hide();
     if (closeWhenDone_) {
         closeWhenDone_ = false;
         done(QDialog::Rejected);
