@@ -16,8 +16,15 @@ namespace {
 
 const QString Source = QStringLiteral("NseIndexRun::Run");
 
-// The name a security of the index gets: what the store keeps of it.
-QString storedName(const QString& name) { return name.simplified().left(metastock::MaxNameLength).trimmed(); }
+// The name a security of the index gets: what the store keeps of it, a character it can't hold
+// (or one that would end the name early) as "?".
+QString storedName(const QString& name) {
+    QString text = name;
+    for (QChar& c : text)
+        if (c.unicode() < 0x20 || !metastock::unstorableCharacter(QString(c)).isNull())
+            c = u'?';
+    return text.simplified().left(metastock::MaxNameLength).trimmed();
+}
 
 // What identifies an index by its name: its letters and digits in upper case, so that the
 // exchange's changes of case and spacing ("NIFTY 50", "Nifty 50") keep to one security.
@@ -57,7 +64,7 @@ NseIndexRun::NseIndexRun(Inet& connection, const QString& address, NseIndexListe
 QString NseIndexRun::SymbolFor(const QString& name, const QSet<QString>& taken) {
     QString base;
     for (const QChar c : name)
-        if (c.isDigit() || (c.toLatin1() >= 'A' && c.toLatin1() <= 'Z') || (c.toLatin1() >= 'a' && c.toLatin1() <= 'z'))
+        if ((c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z'))
             base += c.toUpper();
     if (base.isEmpty())
         base = QStringLiteral("INDEX");

@@ -88,7 +88,7 @@ TEST(IndexCloses, SymbolsFromNamesAtMost14AndUniqueInTheFolder) {
           "NIFTYFINANCIA6", "NIFTYFINANCIA7", "NIFTYFINANCIA8", "NIFTYFINANCIA9"},
          "NIFTYFINANCI10"},
         {"S&P BSE Sensex", {}, "SPBSESENSEX"},
-        {"Nifty Indé 1", {}, "NIFTYIND1"},
+        {"Nifty Indé १2", {}, "NIFTYIND2"},
         {" - ", {}, "INDEX"},
     };
     for (const auto& c : cases)
@@ -165,16 +165,18 @@ TEST_F(IndexWalk, BuildsAFolderFromNothingThenBringsItUpToDateADayLater) {
     serveDay(QDate(2024, 11, 5), Head + "NIFTY 50,05-11-2024,1,2,0.5,1.5,0,0,10,0,0,0,0\n"
                                         "Nifty Midcap 150,05-11-2024,3,4,2,3.5,0,0,20,0,0,0,0\n"
                                         "Nifty 50,05-11-2024,9,9,9,9,0,0,9,0,0,0,0\n"
-                                        "Nifty 10 yr Benchmark G-Sec (Clean Price),05-11-2024,5,6,4,5.5,0,0,-,-,-,-,-\n");
+                                        "Nifty 10 yr Benchmark G-Sec (Clean Price),05-11-2024,5,6,4,5.5,0,0,-,-,-,-,-\n"
+                                        "Nifty \xE2\x82\xB9 Bond,05-11-2024,7,7,7,7,0,0,-,-,-,-,-\n");
     EXPECT_EQ(run(), 1);
     EXPECT_EQ(server.targets, QList<QByteArray>{"/content/indices/ind_close_all_05112024.csv"});
-    EXPECT_EQ(updated, QStringList{"05.11.2024 Updated: 3 indices."});
+    EXPECT_EQ(updated, QStringList{"05.11.2024 Updated: 4 indices."});
     EXPECT_EQ(storedBars(folder, "NIFTY50").size(), 3);
     EXPECT_EQ(storedBars(folder, "NIFTY50").last(), (StoredBar{20241105, 1, 2, 0.5, 1.5, 10}));
     const auto after = securities(folder);
-    ASSERT_EQ(after.size(), 7);
+    ASSERT_EQ(after.size(), 8);
     EXPECT_EQ(after[5], (QPair<QString, QString>{"NIFTYMIDCAP150", "Nifty Midcap 150"}));
     EXPECT_EQ(after[6], (QPair<QString, QString>{"NIFTY10YRBENC2", "Nifty 10 yr Benchmark G-Sec (Clean Price)"}));
+    EXPECT_EQ(after[7], (QPair<QString, QString>{"NIFTYBOND", "Nifty ? Bond"}));   // the rupee sign is no store character
 
     // Up to date: nothing is asked for.
     EXPECT_EQ(run(), 0);
