@@ -35,7 +35,7 @@ QList<QPair<QString, QString>> securities(const QString& folder) {
     return list;
 }
 
-TEST(IndexCloses, ColumnsByNameAndNumbersWithADecimalPointUnderEveryLocale) {
+TEST(IndexCloses, ColumnsByNameNumbersWithADecimalPointUnderEveryLocaleAndNoEmptyDays) {
     // Another order than the service's, a column it never had, quotes, CR LF.
     const QByteArray reply =
         "Volume,Closing Index Value,Extra,Index Date,Low Index Value,High Index Value,Open Index Value,Index Name\r\n"
@@ -63,13 +63,11 @@ TEST(IndexCloses, ColumnsByNameAndNumbersWithADecimalPointUnderEveryLocale) {
         EXPECT_EQ(QList<double>({vix.Open, vix.High, vix.Low, vix.Close, vix.Volume}),
                   QList<double>({16.87, 16.87, 16.87, 16.87, 0}));
     }
-}
-
-TEST(IndexCloses, RepliesWithoutARowAreNoData) {
-    for (const QByteArray& reply : QList<QByteArray>{QByteArray(), Head, "<html><body>Please sign in to the Wi-Fi</body></html>",
-          "Index Name,Index Date,Volume\nNifty 50,04-11-2024,12\n",   // no close column
-          Head + "Nifty 50,04-11-2024,1,1,1,-,0,0,0,0,0,0,0\n"})
-        EXPECT_FALSE(IndexCloses::read(reply).has_value()) << reply.toStdString();
+    // Replies without a row are no data.
+    for (const QByteArray& empty : QList<QByteArray>{QByteArray(), Head, "<html><body>Sign in to the Wi-Fi</body></html>",
+                                                     "Index Name,Index Date,Volume\nNifty 50,04-11-2024,12\n",
+                                                     Head + "Nifty 50,04-11-2024,1,1,1,-,0,0,0,0,0,0,0\n"})
+        EXPECT_FALSE(IndexCloses::read(empty).has_value()) << empty.toStdString();
 }
 
 TEST(IndexCloses, SymbolsFromNamesAtMost14AndUniqueInTheFolder) {
@@ -79,15 +77,11 @@ TEST(IndexCloses, SymbolsFromNamesAtMost14AndUniqueInTheFolder) {
         const char* symbol;
     } cases[] = {
         {"Nifty 50", {}, "NIFTY50"},
-        {"India VIX", {"NIFTY50"}, "INDIAVIX"},
         {"Nifty 10 yr Benchmark G-Sec", {}, "NIFTY10YRBENCH"},
         {"Nifty 10 yr Benchmark G-Sec (Clean Price)", {"NIFTY10YRBENCH"}, "NIFTY10YRBENC2"},
         {"Nifty 10 yr Benchmark G-Sec (Clean Price)", {"NIFTY10YRBENCH", "NIFTY10YRBENC2"}, "NIFTY10YRBENC3"},
-        {"Nifty Financial Services 25/50",
-         {"NIFTYFINANCIAL", "NIFTYFINANCIA2", "NIFTYFINANCIA3", "NIFTYFINANCIA4", "NIFTYFINANCIA5",
-          "NIFTYFINANCIA6", "NIFTYFINANCIA7", "NIFTYFINANCIA8", "NIFTYFINANCIA9"},
-         "NIFTYFINANCI10"},
-        {"S&P BSE Sensex", {}, "SPBSESENSEX"},
+        {"Nifty Financial Services", {"NIFTYFINANCIAL", "NIFTYFINANCIA2", "NIFTYFINANCIA3", "NIFTYFINANCIA4",
+          "NIFTYFINANCIA5", "NIFTYFINANCIA6", "NIFTYFINANCIA7", "NIFTYFINANCIA8", "NIFTYFINANCIA9"}, "NIFTYFINANCI10"},
         {"Nifty Indé १2", {}, "NIFTYIND2"},
         {" - ", {}, "INDEX"},
     };
@@ -101,19 +95,16 @@ protected:
     IndexWalk() {
         platform.settings["Sources/IndexArchive"] = "today@" + server.endpoint();
         server.setHandler([this](const QByteArray& target) {
-            if (onRequest)
-                onRequest(target);
             return days.value(target, LoopbackReply::withStatus(404, "<html>Not Found</html>"));
         });
     }
     void serveDay(const QDate& day, const QByteArray& rows) { days.insert(path(day).toLatin1(), LoopbackReply::ok(rows)); }
     int run() {
-        started.clear();
         updated.clear();
         server.targets.clear();
         return walk.Run(folder);
     }
-    void dayStarted(const QString& line) override { started << line; }
+    void dayStarted(const QString&) override {}
     void dayUpdated(const QString& line) override { updated << line; }
 
     ScriptedPlatform platform;
@@ -121,10 +112,9 @@ protected:
     TempFolder temp;
     QString folder = temp.file("index");   // not there yet
     QMap<QByteArray, LoopbackReply> days;
-    std::function<void(const QByteArray&)> onRequest;
     Inet connection;
     NseIndexRun walk{connection, "http://127.0.0.1:" + QString::number(server.port()), *this};
-    QStringList started, updated;
+    QStringList updated;
 };
 
 TEST_F(IndexWalk, BuildsAFolderFromNothingThenBringsItUpToDateADayLater) {
@@ -135,7 +125,7 @@ TEST_F(IndexWalk, BuildsAFolderFromNothingThenBringsItUpToDateADayLater) {
     platform.todayDate = QDate(2024, 11, 4);
     serveDay(QDate(2024, 11, 1), Head + "Nifty 50,01-11-2024,24205.35,24368.25,24181.80,24304.35,99.00,0.41,1000,1,1,1,1\n"
                                         "India VIX,01-11-2024,-,-,-,16.20,0,0,-,-,-,-,-\n");
-    days.insert(path(QDate(2024, 11, 2)).toLatin1(), LoopbackReply::ok("<html>Sign in to the Wi-Fi</html>"));
+    serveDay(QDate(2024, 11, 2), "<html>Sign in to the Wi-Fi</html>");
     serveDay(QDate(2024, 11, 4), monday);
 
     EXPECT_EQ(run(), 2);
@@ -145,7 +135,6 @@ TEST_F(IndexWalk, BuildsAFolderFromNothingThenBringsItUpToDateADayLater) {
     EXPECT_EQ(server.targets.last(), "/content/indices/ind_close_all_04112024.csv");
     EXPECT_TRUE(server.requestHeader(0, "User-Agent").startsWith("Mozilla/5.0"));
     EXPECT_EQ(server.requestHeader(0, "Referer"), "https://www.nseindia.com/");
-    EXPECT_EQ(started.last(), "Fetching 04.11.2024 (366 of 366)");
     EXPECT_EQ(updated, (QStringList{"01.11.2024 Updated: 2 indices.", "04.11.2024 Updated: 5 indices."}));
     EXPECT_EQ(securities(folder), (QList<QPair<QString, QString>>{{"NIFTY50", "Nifty 50"},
                                                                   {"INDIAVIX", "India VIX"},
@@ -183,47 +172,24 @@ TEST_F(IndexWalk, BuildsAFolderFromNothingThenBringsItUpToDateADayLater) {
     EXPECT_TRUE(server.targets.isEmpty());
 }
 
-TEST_F(IndexWalk, AStopTakesEffectOnceTheDayInHandIsWrittenWhole) {
+TEST_F(IndexWalk, TheCommandLineBringsTheFolderUpToDate) {
     // The user's own security of an index keeps its symbol; a symbol of another security is passed by.
+    platform.todayDate = QDate(2024, 11, 5);
     QDir().mkpath(folder);
     makeSecurity(folder, "N50", "Nifty 50", {bar(20241101, 100)});
     makeSecurity(folder, "INDIAVIX", "My VIX", {bar(20241030, 5)});
-    platform.todayDate = QDate(2024, 11, 8);
     serveDay(QDate(2024, 11, 4), Head + "Nifty 50,04-11-2024,1,2,0.5,1.5,0,0,10,0,0,0,0\n"
                                         "India VIX,04-11-2024,3,4,2,3.5,0,0,-,-,-,-,-\n");
-    onRequest = [this](const QByteArray& target) {
-        if (target.contains("04112024"))
-            walk.StopRequested = true;
-    };
-    EXPECT_EQ(run(), 1);
-    EXPECT_TRUE(walk.Stopped());
-    EXPECT_EQ(server.targets, (QList<QByteArray>{"/content/indices/ind_close_all_02112024.csv",
-                                                 "/content/indices/ind_close_all_03112024.csv",
-                                                 "/content/indices/ind_close_all_04112024.csv"}));
-    EXPECT_EQ(storedBars(folder, "N50"), (QList<StoredBar>{bar(20241101, 100), {20241104, 1, 2, 0.5, 1.5, 10}}));
-    EXPECT_EQ(storedBars(folder, "INDIAVIX2"), (QList<StoredBar>{{20241104, 3, 4, 2, 3.5, 0}}));
-    EXPECT_EQ(storedBars(folder, "INDIAVIX").size(), 1);
-
-    // The next run goes on from the day after.
-    onRequest = nullptr;
-    EXPECT_EQ(run(), 0);
-    EXPECT_FALSE(walk.Stopped());
-    EXPECT_EQ(server.targets.first(), "/content/indices/ind_close_all_05112024.csv");
-    EXPECT_EQ(server.targets.size(), 4);
-}
-
-TEST_F(IndexWalk, TheCommandLineBringsTheFolderUpToDate) {
-    platform.todayDate = QDate(2024, 11, 5);
-    QDir().mkpath(folder);
-    makeSecurity(folder, "NIFTY50", "Nifty 50", {bar(20241101, 100)});
-    serveDay(QDate(2024, 11, 4), Head + "Nifty 50,04-11-2024,1,2,0.5,1.5,0,0,10,0,0,0,0\n");
     QString outText, errText;
     QTextStream out(&outText), err(&errText);
     EXPECT_EQ(runCli({"download", "index", folder}, out, err), 0) << errText.toStdString();
     out.flush();
-    EXPECT_EQ(outText, "04/11/2024 Updated: 1 index.\n1 days with data\n");
+    EXPECT_EQ(outText, "04/11/2024 Updated: 2 indices.\n1 days with data\n");
+    EXPECT_EQ(server.targets.first(), "/content/indices/ind_close_all_02112024.csv");
     EXPECT_EQ(server.targets.size(), 4);
-    EXPECT_EQ(storedBars(folder, "NIFTY50").last(), (StoredBar{20241104, 1, 2, 0.5, 1.5, 10}));
+    EXPECT_EQ(storedBars(folder, "N50"), (QList<StoredBar>{bar(20241101, 100), {20241104, 1, 2, 0.5, 1.5, 10}}));
+    EXPECT_EQ(storedBars(folder, "INDIAVIX2"), (QList<StoredBar>{{20241104, 3, 4, 2, 3.5, 0}}));
+    EXPECT_EQ(storedBars(folder, "INDIAVIX").size(), 1);
 }
 
 } // namespace
