@@ -6,6 +6,7 @@
 #include "frame/Failure.h"
 #include "frame/Platform.h"
 #include "frame/Regional.h"
+#include "store/FolderLock.h"
 #include "store/MetaStockFormat.h"
 #include "store/SecurityReader.h"
 #include "store/SecurityWriter.h"
@@ -80,11 +81,6 @@ void NseIndexRun::survey(const QString& folder) {
     symbolOf_.clear();
     taken_.clear();
     lastDate_ = QDate();
-    if (folder.isEmpty())
-        throw Failure(FailureNumber::PathNotFound, QStringLiteral("No folder was given."), Source);
-    if (!QDir(folder).exists() && !QDir().mkpath(folder))
-        throw Failure(FailureNumber::PathNotFound,
-                      QStringLiteral("The folder %1 can't be made.").arg(QDir::toNativeSeparators(folder)), Source);
     SecurityReader reader;
     try {
         reader.OpenFolder(folder);
@@ -114,6 +110,13 @@ int NseIndexRun::Run(const QString& folderText) {
     const QString folder = folderText.trimmed();
     StopRequested = false;
     stopped_ = false;
+    if (folder.isEmpty())
+        throw Failure(FailureNumber::PathNotFound, QStringLiteral("No folder was given."), Source);
+    if (!QDir(folder).exists() && !QDir().mkpath(folder))
+        throw Failure(FailureNumber::PathNotFound,
+                      QStringLiteral("The folder %1 can't be made.").arg(QDir::toNativeSeparators(folder)), Source);
+    // The folder is held for the whole run: no other program writes it meanwhile.
+    const FolderLock lock(folder, "NseIndexRun", "Run");
     survey(folder);
 
     const QDate today = platform().today();

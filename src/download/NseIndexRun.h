@@ -32,8 +32,9 @@ public:
     NseIndexRun(Inet& connection, const QString& address, NseIndexListener& listener);
 
     // Brings the folder (trimmed; made when missing) up to date and returns the number of days
-    // with data. Raises Failure when the folder can't be read, or when a day can't be written (the
-    // days before it stay written).
+    // with data. The folder's lock is held meanwhile. Raises Failure when another program holds
+    // it, when the folder can't be read, or when a day can't be written (the days before it stay
+    // written).
     int Run(const QString& folderText);
 
     // Set to stop after the day in hand; cleared when a run starts.

@@ -182,6 +182,13 @@ TEST_F(IndexWalk, TheCommandLineBringsTheFolderUpToDate) {
                                         "India VIX,04-11-2024,3,4,2,3.5,0,0,-,-,-,-,-\n");
     QString outText, errText;
     QTextStream out(&outText), err(&errText);
+    {
+        const ForeignLockHolder scheduledRun(folder);
+        EXPECT_EQ(runCli({"download", "index", folder}, out, err), 1);
+        err.flush();
+        EXPECT_TRUE(errText.contains("is being written by brindlemark-cli (process 4242)")) << errText.toStdString();
+        EXPECT_TRUE(server.targets.isEmpty());
+    }
     EXPECT_EQ(runCli({"download", "index", folder}, out, err), 0) << errText.toStdString();
     out.flush();
     EXPECT_EQ(outText, "04/11/2024 Updated: 2 indices.\n1 days with data\n");
