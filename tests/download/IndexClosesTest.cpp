@@ -124,7 +124,8 @@ TEST_F(IndexWalk, BuildsAFolderFromNothingThenBringsItUpToDateADayLater) {
     LocaleGuard german("de_DE");
     platform.todayDate = QDate(2024, 11, 4);
     serveDay(QDate(2024, 11, 1), Head + "Nifty 50,01-11-2024,24205.35,24368.25,24181.80,24304.35,99.00,0.41,1000,1,1,1,1\n"
-                                        "India VIX,01-11-2024,-,-,-,16.20,0,0,-,-,-,-,-\n");
+                                        "India VIX,01-11-2024,-,-,-,16.20,0,0,-,-,-,-,-\n"
+                                        "Nifty 10 yr Benchmark G-Sec (Clean Price),01-11-2024,5,6,4,5.5,0,0,-,-,-,-,-\n");
     serveDay(QDate(2024, 11, 2), "<html>Sign in to the Wi-Fi</html>");
     serveDay(QDate(2024, 11, 4), monday);
 
@@ -135,12 +136,14 @@ TEST_F(IndexWalk, BuildsAFolderFromNothingThenBringsItUpToDateADayLater) {
     EXPECT_EQ(server.targets.last(), "/content/indices/ind_close_all_04112024.csv");
     EXPECT_TRUE(server.requestHeader(0, "User-Agent").startsWith("Mozilla/5.0"));
     EXPECT_EQ(server.requestHeader(0, "Referer"), "https://www.nseindia.com/");
-    EXPECT_EQ(updated, (QStringList{"01.11.2024 Updated: 2 indices.", "04.11.2024 Updated: 5 indices."}));
+    EXPECT_EQ(updated, (QStringList{"01.11.2024 Updated: 3 indices.", "04.11.2024 Updated: 5 indices."}));
+    // Two names that share their first 14 letters get two symbols.
     EXPECT_EQ(securities(folder), (QList<QPair<QString, QString>>{{"NIFTY50", "Nifty 50"},
                                                                   {"INDIAVIX", "India VIX"},
+                                                                  {"NIFTY10YRBENCH", "Nifty 10 yr Benchmark G-Sec (Clean Price)"},
                                                                   {"NIFTYNEXT50", "Nifty Next 50"},
                                                                   {"NIFTYBANK", "Nifty Bank"},
-                                                                  {"NIFTY10YRBENCH", "Nifty 10 yr Benchmark G-Sec"}}));
+                                                                  {"NIFTY10YRBENC2", "Nifty 10 yr Benchmark G-Sec"}}));
     EXPECT_EQ(storedBars(folder, "NIFTY50"),
               (QList<StoredBar>{{20241101, kept(24205.35), kept(24368.25), kept(24181.80), kept(24304.35), 1000},
                                 {20241104, kept(24315.75), kept(24316.75), kept(23816.15), kept(23995.35), kept(353012345)}}));
@@ -149,22 +152,20 @@ TEST_F(IndexWalk, BuildsAFolderFromNothingThenBringsItUpToDateADayLater) {
                                 {20241104, kept(16.20), kept(17.39), kept(15.89), kept(16.87), 0}}));
 
     // A day later: one request, for the day after the folder's last date. The exchange writes a
-    // name in capitals, an index appears, one repeats, and one shares its first 14 letters.
+    // name in capitals, an index appears, one repeats.
     platform.todayDate = QDate(2024, 11, 5);
     serveDay(QDate(2024, 11, 5), Head + "NIFTY 50,05-11-2024,1,2,0.5,1.5,0,0,10,0,0,0,0\n"
                                         "Nifty Midcap 150,05-11-2024,3,4,2,3.5,0,0,20,0,0,0,0\n"
                                         "Nifty 50,05-11-2024,9,9,9,9,0,0,9,0,0,0,0\n"
-                                        "Nifty 10 yr Benchmark G-Sec (Clean Price),05-11-2024,5,6,4,5.5,0,0,-,-,-,-,-\n"
                                         "Nifty \xE2\x82\xB9 Bond,05-11-2024,7,7,7,7,0,0,-,-,-,-,-\n");
     EXPECT_EQ(run(), 1);
     EXPECT_EQ(server.targets, QList<QByteArray>{"/content/indices/ind_close_all_05112024.csv"});
-    EXPECT_EQ(updated, QStringList{"05.11.2024 Updated: 4 indices."});
+    EXPECT_EQ(updated, QStringList{"05.11.2024 Updated: 3 indices."});
     EXPECT_EQ(storedBars(folder, "NIFTY50").size(), 3);
     EXPECT_EQ(storedBars(folder, "NIFTY50").last(), (StoredBar{20241105, 1, 2, 0.5, 1.5, 10}));
     const auto after = securities(folder);
     ASSERT_EQ(after.size(), 8);
-    EXPECT_EQ(after[5], (QPair<QString, QString>{"NIFTYMIDCAP150", "Nifty Midcap 150"}));
-    EXPECT_EQ(after[6], (QPair<QString, QString>{"NIFTY10YRBENC2", "Nifty 10 yr Benchmark G-Sec (Clean Price)"}));
+    EXPECT_EQ(after[6], (QPair<QString, QString>{"NIFTYMIDCAP150", "Nifty Midcap 150"}));
     EXPECT_EQ(after[7], (QPair<QString, QString>{"NIFTYBOND", "Nifty ? Bond"}));   // the rupee sign is no store character
 
     // Up to date: nothing is asked for.
