@@ -198,6 +198,10 @@ QString cliUsage() {
         "                                          the NSE India walk, one request per calendar day from\n"
         "                                          the day after the date in values.dat (or --from) to\n"
         "                                          today (or --to); one line per day with data\n"
+        "  download index FOLDER                   the NSE India Index folder brought up to date: one\n"
+        "                                          request per calendar day from the day after its last\n"
+        "                                          date to today (or the archive of an endpoint source\n"
+        "                                          unpacked over it); one line per day with data\n"
         "  download quotes FOLDER... [--symbols S,...]\n"
         "                                          the World Exchanges download of every security of the\n"
         "                                          folders (or of the symbols given), merged as the\n"
@@ -282,8 +286,13 @@ int runCli(const QStringList& arguments, QTextStream& out, QTextStream& err, boo
                     throw Usage{QStringLiteral("download bhavcopy takes one folder")};
                 return downloadBhavCopies(folders[0], from, to, out, err);
             }
+            if (rest.value(0) == QLatin1String("index")) {
+                if (rest.size() != 2)
+                    throw Usage{QStringLiteral("download index takes one folder")};
+                return downloadIndex(rest[1], out, err);
+            }
             if (rest.value(0) != QLatin1String("quotes"))
-                throw Usage{QStringLiteral("download takes: quotes or bhavcopy")};
+                throw Usage{QStringLiteral("download takes: quotes, bhavcopy or index")};
             QStringList folders, symbols;
             for (int i = 1; i < rest.size(); ++i) {
                 if (rest[i] == QLatin1String("--symbols")) {

@@ -4,6 +4,9 @@
 
 #include "download/BhavCopy.h"
 #include "download/DownloadRun.h"
+#include "download/IndexDownload.h"
+#include "download/NseIndexRun.h"
+#include "download/ServiceAddresses.h"
 #include "download/NseDailyRun.h"
 #include "download/Inet.h"
 #include "frame/Failure.h"
@@ -226,6 +229,68 @@ int downloadBhavCopies(const QString& folder, const QDate& from, const QDate& to
     if (stopAsked) {
         err << "Stopped after the day in hand; nothing is half written.\n";
         status = 130;
+    }
+    if (ownPlatform)
+        setPlatform(nullptr);
+    return status;
+}
+
+namespace {
+
+class IndexDayLines : public NseIndexListener {
+public:
+    explicit IndexDayLines(QTextStream& out) : out_(out) {}
+    void dayStarted(const QString&) override {}
+    void dayUpdated(const QString& line) override {
+        out_ << line << '\n';
+        out_.flush();
+    }
+
+private:
+    QTextStream& out_;
+};
+
+} // namespace
+
+int downloadIndex(const QString& folder, QTextStream& out, QTextStream& err) {
+    ConsolePlatform console(err);
+    const bool ownPlatform = installedPlatform() == nullptr;
+    if (ownPlatform)
+        setPlatform(&console);
+    stopAsked = 0;
+
+    Inet connection;
+    int status = 0;
+    const ServiceAddresses::Source source = ServiceAddresses::indexArchiveSource();
+    if (source.today) {
+        IndexDayLines lines(out);
+        NseIndexRun run(connection, source.address, lines);
+        // Ctrl+C ends the run once the day in hand is written.
+        QTimer watch;
+        watch.setInterval(50);
+        QObject::connect(&watch, &QTimer::timeout, [&] {
+            if (stopAsked)
+                run.StopRequested = true;
+        });
+        watch.start();
+        try {
+            out << run.Run(folder) << " days with data\n";
+        } catch (const Failure& failure) {
+            err << failure.Description << '\n';
+            status = 1;
+        }
+        if (run.Stopped()) {
+            err << "Stopped after the day in hand; nothing is half written.\n";
+            status = 130;
+        }
+    } else {
+        try {
+            IndexDownload(connection).Run(folder);
+            out << "Download Complete.\n";
+        } catch (const Failure& failure) {
+            err << failure.Description << '\n';
+            status = 1;
+        }
     }
     if (ownPlatform)
         setPlatform(nullptr);

@@ -20,5 +20,11 @@ int downloadQuotes(const QStringList& folders, const QStringList& symbols, QText
 int downloadBhavCopies(const QString& folder, const QDate& from, const QDate& to, QTextStream& out,
                        QTextStream& err);
 
+// `download index FOLDER`: the index folder brought up to date as NSE India Index does it: day by
+// day from the exchange's daily closes (the source of today), or the archive of an endpoint
+// unpacked over it. One line per day with data. Exit status: 0 done, 1 failed (the reason on
+// `err`), 130 stopped by Ctrl+C after the day in hand.
+int downloadIndex(const QString& folder, QTextStream& out, QTextStream& err);
+
 // Asks a run in progress to stop after the security in hand (safe to call from a signal handler).
 void requestStop();

@@ -8,7 +8,6 @@ QString yahooOverride;
 const QString DefaultNseBhavCopies = QStringLiteral("http://www.nseindia.com");
 QString nseOverride;
 const QString DefaultNseIndexArchive = QStringLiteral("http://www.brindlemark.net");
-QString nseIndexOverride;
 
 const QString SourcesSection = QStringLiteral("Sources");
 const QString TodayValue = QStringLiteral("today");
@@ -58,9 +57,11 @@ QString nseBhavCopies() { return nseOverride.isEmpty() ? DefaultNseBhavCopies : 
 
 void setNseBhavCopies(const QString& endpoint) { nseOverride = endpoint; }
 
-QString nseIndexArchive() { return nseIndexOverride.isEmpty() ? DefaultNseIndexArchive : nseIndexOverride; }
+QString nseIndexArchive() {
+    const Source source = indexArchiveSource();
+    return source.today ? DefaultNseIndexArchive : source.address;
+}
 
-void setNseIndexArchive(const QString& endpoint) { nseIndexOverride = endpoint; }
 QByteArray browserUserAgent() {
     return QByteArrayLiteral("Mozilla/5.0 (Windows NT 10.0; Win64; x64) AppleWebKit/537.36 "
                              "(KHTML, like Gecko) Chrome/130.0.0.0 Safari/537.36");

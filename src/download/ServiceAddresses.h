@@ -28,11 +28,10 @@ void setYahooQuotes(const QString& endpoint);
 QString nseBhavCopies();
 // Points the archive elsewhere; empty text restores the default.
 void setNseBhavCopies(const QString& endpoint);
-// The endpoint of the server that holds the archive of index data: scheme and host (and port),
-// no path; the archive lies at IndexArchivePath on it.
+// The endpoint of the server that holds the archive of index data when the setting
+// "IndexArchive" names one: scheme and host (and port), no path; the archive lies at
+// IndexArchivePath on it.
 QString nseIndexArchive();
-// Points the index archive elsewhere; empty text restores the default.
-void setNseIndexArchive(const QString& endpoint);
 inline const QString IndexArchivePath = QStringLiteral("/downloads/index.zip");
 struct Source {
     bool today = true;   // today's protocol, else the older one

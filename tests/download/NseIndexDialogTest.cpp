@@ -1,8 +1,9 @@
 // "NSE Indices Download" against the loopback server: the folder field and its setting, the run
-// with a good archive, a refused one, a garbage body, a dead server, and a second run.
+// with a good archive, a refused one, a garbage body, a dead server, and a second run; with the
+// source of today, the folder brought up to date day by day, stopped and closed between days.
 #include "download/IndexDownload.h"
-#include "download/ServiceAddresses.h"
 #include "download/ui/NseIndexDialog.h"
+#include "DownloadTestKit.h"
 #include "support/LoopbackHttpServer.h"
 #include "support/Modal.h"
 #include "support/ScriptedPlatform.h"
@@ -19,8 +20,8 @@ namespace {
 
 class IndexScreen : public ::testing::Test {
 protected:
-    IndexScreen() { ServiceAddresses::setNseIndexArchive(server.endpoint()); }
-    ~IndexScreen() override { ServiceAddresses::setNseIndexArchive({}); }
+    // The older protocol: the archive of an endpoint named in the settings.
+    IndexScreen() { platform.settings["Sources/IndexArchive"] = server.endpoint(); }
 
     ScriptedPlatform platform;
     LoopbackHttpServer server;
@@ -144,7 +145,7 @@ TEST_P(IndexScreenFailures, LeaveTheFolderAsItWas) {
     const FailedRun& c = GetParam();
     writeTextFile(folder + "/MASTER", "kept");
     if (c.deadServer)
-        ServiceAddresses::setNseIndexArchive(QStringLiteral("http://127.0.0.1:%1").arg(LoopbackHttpServer::deadPort()));
+        platform.settings["Sources/IndexArchive"] = QStringLiteral("http://127.0.0.1:%1").arg(LoopbackHttpServer::deadPort());
     else
         server.serve(c.reply);
     NseIndexDialog dialog;
@@ -175,5 +176,75 @@ INSTANTIATE_TEST_SUITE_P(Replies, IndexScreenFailures, ::testing::Values(
     FailedRun{"serverDown", {}, true, false, "could not be fetched from http://127.0.0.1:"},
     FailedRun{"garbage", LoopbackReply::ok("<html>this is not a zip archive</html>"), false, true, ""}),
     [](const auto& param) { return std::string(param.param.label); });
+
+// Today's source: the folder (its last date 1 November) brought up to date day by day from the
+// exchange's closes; today is 6 November.
+class IndexScreenToday : public IndexScreen {
+protected:
+    IndexScreenToday() {
+        platform.settings["Sources/IndexArchive"] = "today@" + server.endpoint();
+        platform.todayDate = QDate(2024, 11, 6);
+        makeSecurity(folder, "NIFTY50", "Nifty 50", {bar(20241101, 100)});
+    }
+    // Nifty 50 on every weekday, 404 on the weekend; `during` runs while a day is asked for.
+    void serveWeekdays(NseIndexDialog& dialog) {
+        server.setHandler([this, &dialog](const QByteArray& target) {
+            auto* button = child<QPushButton>(&dialog, "startDownloadButton");
+            seen << child<QLabel>(&dialog, "progressLabel")->text() + " | " + button->text()
+                        + (child<QPushButton>(&dialog, "stopButton")->isVisible() ? " | Stop" : "");
+            if (during)
+                during();
+            const QDate day = QDate::fromString(QString::fromLatin1(target.mid(target.lastIndexOf('_') + 1, 8)), "ddMMyyyy");
+            if (day.dayOfWeek() > 5)
+                return LoopbackReply::withStatus(404);
+            return LoopbackReply::ok("Index Name,Index Date,Closing Index Value\nNifty 50," + day.toString("dd-MM-yyyy").toLatin1()
+                                     + "," + QByteArray::number(day.day()) + "\n");
+        });
+    }
+    QStringList seen;
+    std::function<void()> during;
+};
+
+TEST_F(IndexScreenToday, ShowsTheDayInHandAndStopsOnceItIsWritten) {
+    NseIndexDialog dialog;
+    serveWeekdays(dialog);
+    during = [&] {
+        if (server.targets.size() == 3)
+            child<QPushButton>(&dialog, "stopButton")->click();
+    };
+    run(dialog, folder);
+    EXPECT_EQ(server.targets.size(), 3);
+    EXPECT_EQ(seen.value(2), "Fetching 04/11/2024 (3 of 5) | Downloading.... | Stop");
+    EXPECT_TRUE(platform.boxes.isEmpty());
+    EXPECT_TRUE(dialog.isVisible());
+    auto* button = child<QPushButton>(&dialog, "startDownloadButton");
+    EXPECT_EQ(button->text(), "Start Download");
+    EXPECT_TRUE(button->isEnabled());
+    EXPECT_FALSE(child<QPushButton>(&dialog, "stopButton")->isVisible());
+    EXPECT_EQ(storedBars(folder, "NIFTY50").last(), (StoredBar{20241104, 4, 4, 4, 4, 0}));
+
+    // Again: on from 5 November to today, then "Download Complete." and the screen closes.
+    during = nullptr;
+    server.targets.clear();
+    button->click();
+    EXPECT_EQ(server.targets, (QList<QByteArray>{"/content/indices/ind_close_all_05112024.csv",
+                                                 "/content/indices/ind_close_all_06112024.csv"}));
+    EXPECT_EQ(platform.boxTexts(), QStringList{"Download Complete."});
+    EXPECT_EQ(platform.boxes[0].icon, MsgIcon::Information);
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_EQ(storedBars(folder, "NIFTY50").size(), 4);
+}
+
+TEST_F(IndexScreenToday, ClosedDuringARunItGoesOnceTheDayInHandIsWritten) {
+    NseIndexDialog dialog;
+    serveWeekdays(dialog);
+    during = [&] { dialog.close(); };
+    run(dialog, folder);
+    EXPECT_EQ(server.targets, QList<QByteArray>{"/content/indices/ind_close_all_02112024.csv"});
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_TRUE(platform.boxes.isEmpty());
+    EXPECT_EQ(storedBars(folder, "NIFTY50").last().date, 20241101);
+}
 
 } // namespace

@@ -1,13 +1,16 @@
 #include "download/ui/NseIndexDialog.h"
 
 #include "download/IndexDownload.h"
+#include "download/ServiceAddresses.h"
 #include "frame/CommonRoutines.h"
 #include "frame/Failure.h"
 #include "frame/Platform.h"
 #include "frame/ui/Centring.h"
 #include "frame/ui/Widgets.h"
 
+#include <QCloseEvent>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -28,6 +31,10 @@ NseIndexDialog::NseIndexDialog(QWidget* parent) : QDialog(parent) {
     folderEdit->setMinimumWidth(320);
     selectFolderButton = named(new QPushButton(QStringLiteral("Select Folder")), "selectFolderButton");
     startDownloadButton = named(new QPushButton(StartCaption), "startDownloadButton");
+    stopButton = named(new QPushButton(QStringLiteral("Stop")), "stopButton");
+    stopButton->hide();
+    progressLabel = named(new QLabel, "progressLabel");
+    progressLabel->hide();
     noteLabel = named(new QLabel(QStringLiteral(
                           "Use Separate folder for Index Data. No need to create symbols for Indices.")),
                       "noteLabel");
@@ -38,11 +45,17 @@ NseIndexDialog::NseIndexDialog(QWidget* parent) : QDialog(parent) {
     layout->addWidget(folderLabel, 0, 0, 1, 2);
     layout->addWidget(folderEdit, 1, 0);
     layout->addWidget(selectFolderButton, 1, 1);
+    // The day in hand and Stop share the row of Start Download, shown only during a run.
+    auto* progressRow = new QHBoxLayout;
+    progressRow->addWidget(progressLabel, 1);
+    progressRow->addWidget(stopButton);
+    layout->addLayout(progressRow, 2, 0);
     layout->addWidget(startDownloadButton, 2, 1);
     layout->addWidget(noteLabel, 3, 0, 1, 2);
 
     connect(selectFolderButton, &QPushButton::clicked, this, &NseIndexDialog::selectFolder);
     connect(startDownloadButton, &QPushButton::clicked, this, &NseIndexDialog::startDownload);
+    connect(stopButton, &QPushButton::clicked, this, &NseIndexDialog::stop);
 
     folderEdit->setText(platform().getSetting(Section, IndexFolderKey, QString()));
 }
@@ -61,18 +74,94 @@ void NseIndexDialog::startDownload() {
     }
     startDownloadButton->setEnabled(false);
     startDownloadButton->setText(QStringLiteral("Downloading...."));
+    const ServiceAddresses::Source source = ServiceAddresses::indexArchiveSource();
+    if (source.today)
+        updateFolder(source.address);
+    else
+        unpackArchive();
+}
+
+void NseIndexDialog::unpackArchive() {
     try {
         IndexDownload(connection).Run(folderEdit->text());
     } catch (const Failure& failure) {
         // Nothing was unpacked: the user reads why and may try again.
         MsgBox(failure.Description, MsgIcon::Critical);
-        startDownloadButton->setText(StartCaption);
-        startDownloadButton->setEnabled(true);
+        startAgain();
         return;
     }
     // The extraction's own result is not judged here: the archive is the server's to get right.
     MsgBox(QStringLiteral("Download Complete."), MsgIcon::Information);
     accept();
+}
+
+void NseIndexDialog::updateFolder(const QString& address) {
+    NseIndexRun run(connection, address, *this);
+    run_ = &run;
+    stopButton->setEnabled(true);
+    stopButton->show();
+    progressLabel->clear();
+    progressLabel->show();
+    try {
+        run.Run(folderEdit->text());
+    } catch (const Failure& failure) {
+        // The days written before the failure stay; the next run goes on from them.
+        run_ = nullptr;
+        progressLabel->clear();
+        MsgBox(failure.Description, MsgIcon::Critical);
+        startAgain();
+        return;
+    }
+    run_ = nullptr;
+    stopButton->hide();
+    if (closeWhenDone_) {
+        closeWhenDone_ = false;
+        done(QDialog::Rejected);
+        return;
+    }
+    if (run.Stopped()) {
+        progressLabel->setText(QStringLiteral("Stopped. The next download goes on from here."));
+        startAgain();
+        return;
+    }
+    MsgBox(QStringLiteral("Download Complete."), MsgIcon::Information);
+    accept();
+}
+
+void NseIndexDialog::startAgain() {
+    stopButton->hide();
+    startDownloadButton->setText(StartCaption);
+    startDownloadButton->setEnabled(true);
+}
+
+void NseIndexDialog::stop() {
+    if (run_)
+        run_->StopRequested = true;
+    stopButton->setEnabled(false);
+}
+
+void NseIndexDialog::dayStarted(const QString& line) { progressLabel->setText(line); }
+
+void NseIndexDialog::dayUpdated(const QString& line) { progressLabel->setText(line); }
+
+void NseIndexDialog::closeEvent(QCloseEvent* event) {
+    // Closed during a day-by-day run: the screen goes once the day in hand is written.
+    if (run_) {
+        stop();
+        closeWhenDone_ = true;
+        event->ignore();
+        return;
+    }
+    QDialog::closeEvent(event);
+}
+
+void NseIndexDialog::reject() {
+    if (run_) {
+        stop();
+        closeWhenDone_ = true;
+        return;
+    }
+    QDialog::reject();
 }
 
 void NseIndexDialog::resizeEvent(QResizeEvent* event) {
