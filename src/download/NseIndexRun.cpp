@@ -39,8 +39,9 @@ QString nameKey(const QString& name) {
 }
 
 // Asks `address` for the closes of `day`, as a browser on the exchange's site would. Empty when the
-// day has no data: a reply other than 200 (404 on a day without trading), a failed transfer, a
-// reply with no row.
+// day has no data: 404 (a day without trading) or a reply with no row. A failed transfer or
+// another answer raises: the walk ends there, so that the next run asks for that day again
+// instead of passing it by for good.
 std::optional<QList<IndexClose>> fetchDay(Inet& connection, const QString& address, const QDate& day) {
     const QString url =
         address + QStringLiteral("/content/indices/ind_close_all_%1.csv").arg(day.toString(QStringLiteral("ddMMyyyy")));
@@ -49,11 +50,23 @@ std::optional<QList<IndexClose>> fetchDay(Inet& connection, const QString& addre
     QByteArray body;
     try {
         body = connection.OpenURLBytes(url, headers);
-    } catch (const Failure&) {
-        return std::nullopt;
+    } catch (const Failure& failure) {
+        throw Failure(failure.Number,
+                      QStringLiteral("The index closes of %1 could not be fetched: %2\nThe next download starts "
+                                     "from that day.")
+                          .arg(Regional::dateText(day), failure.Description),
+                      Source);
     }
-    if (connection.ResponseCode() != 200)
+    const int status = connection.ResponseCode();
+    if (status == 404)
         return std::nullopt;
+    if (status != 200)
+        throw Failure(FailureNumber::Network,
+                      QStringLiteral("The exchange answered %1 for the index closes of %2.\nThe next download "
+                                     "starts from that day.")
+                          .arg(status)
+                          .arg(Regional::dateText(day)),
+                      Source);
     return IndexCloses::read(body);
 }
 

@@ -6,6 +6,7 @@
 
 #include "download/IndexCloses.h"
 #include "download/NseIndexRun.h"
+#include "frame/Failure.h"
 
 #include <QFile>
 
@@ -171,6 +172,16 @@ TEST_F(IndexWalk, BuildsAFolderFromNothingThenBringsItUpToDateADayLater) {
     // Up to date: nothing is asked for.
     EXPECT_EQ(run(), 0);
     EXPECT_TRUE(server.targets.isEmpty());
+
+    // A day the exchange fails to serve ends the walk there, and the next run asks for it again.
+    platform.todayDate = QDate(2024, 11, 7);
+    days.insert(path(QDate(2024, 11, 6)).toLatin1(), LoopbackReply::withStatus(503, "busy"));
+    serveDay(QDate(2024, 11, 7), Head + "Nifty 50,07-11-2024,1,2,0.5,1.5,0,0,10,0,0,0,0\n");
+    EXPECT_THROW(run(), Failure);
+    EXPECT_EQ(server.targets.size(), 1);
+    serveDay(QDate(2024, 11, 6), Head + "Nifty 50,06-11-2024,1,2,0.5,1.5,0,0,10,0,0,0,0\n");
+    EXPECT_EQ(run(), 2);
+    EXPECT_EQ(storedBars(folder, "NIFTY50").size(), 5);
 }
 
 TEST_F(IndexWalk, TheCommandLineBringsTheFolderUpToDate) {
