@@ -11,7 +11,6 @@
 #include "download/BhavCopy.h"
 #include "download/Inet.h"
 #include "download/NseDailyRun.h"
-#include "download/ServiceAddresses.h"
 #include "frame/Regional.h"
 #include "store/SecurityWriter.h"
 
@@ -93,7 +92,7 @@ void Walk(benchmark::State& state, int days, bool weekends) {
     NseFolder folder(first);
 
     LoopbackHttpServer server;
-    ServiceAddresses::setNseBhavCopies(server.endpoint());
+    services.settings["Sources/Bhavcopy"] = server.endpoint();
     const QByteArray reply = dayReply();
     // The days are asked for in order; with `weekends`, Saturdays and Sundays get the server's
     // short page.
@@ -141,7 +140,6 @@ void Walk(benchmark::State& state, int days, bool weekends) {
     state.counters["ms_outside_wait_per_day"] = (totalNs - waitNs) / double(walked) / 1e6;
     state.counters["ms_outside_wait_per_day_with_data"] = withData ? (totalNs - waitNs) / double(withData) / 1e6 : 0;
 
-    ServiceAddresses::setNseBhavCopies({});
     setPlatform(nullptr);
 }
 
