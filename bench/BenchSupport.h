@@ -7,6 +7,7 @@
 
 #include <QDate>
 #include <QLocale>
+#include <QMap>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
@@ -16,6 +17,7 @@ public:
     explicit QuietPlatform(QDate today) : today_(today) {}
 
     int boxes = 0;
+    QMap<QString, QString> settings;   // "Section/Key" -> value
 
     MsgAnswer messageBox(const QString&, MsgIcon, const QString&, MsgButtons) override {
         ++boxes;
@@ -29,7 +31,9 @@ public:
     QString programFolder() override { return dir_.path(); }
     QString userDataFolder() override { return dir_.path(); }
     QString cacheFolder() override { return dir_.path(); }
-    QString getSetting(const QString&, const QString&, const QString& defaultValue) override { return defaultValue; }
+    QString getSetting(const QString& section, const QString& key, const QString& defaultValue) override {
+        return settings.value(section + u'/' + key, defaultValue);
+    }
     void saveSetting(const QString&, const QString&, const QString&) override {}
 
 private:

@@ -4,7 +4,6 @@
 #include "BenchSupport.h"
 #include "download/DownloadRun.h"
 #include "download/Inet.h"
-#include "download/ServiceAddresses.h"
 #include "download/DailyQuotes.h"
 #include "frame/ProgramState.h"
 #include "frame/Regional.h"
@@ -42,7 +41,7 @@ void RunOf200Securities(benchmark::State& state) {
                                    "2026-10-06,12,13,11,12.5,900,12.5\n"
                                    "2026-10-05,11,12,10,11.5,800,11.5\n"
                                    "2026-10-02,10,11,9,10.5,700,10.5\n"));
-    ServiceAddresses::setYahooQuotes(server.endpoint());
+    services.settings["Sources/Quotes"] = server.endpoint();
 
     {
         SecurityWriter writer;
@@ -81,7 +80,6 @@ void RunOf200Securities(benchmark::State& state) {
     state.counters["us_waiting_per_security"] = waitNs / perSecurity / 1000.0;
     state.counters["us_outside_wait_per_security"] = (totalNs - waitNs) / perSecurity / 1000.0;
 
-    ServiceAddresses::setYahooQuotes({});
     setPlatform(nullptr);
 }
 BENCHMARK(RunOf200Securities)->Unit(benchmark::kMillisecond)->Iterations(5);

@@ -3,6 +3,7 @@
 #include "download/DailyQuotes.h"
 #include "download/Inet.h"
 #include "download/ServiceAddresses.h"
+#include "download/TodayBhavCopy.h"
 #include "frame/CommonRoutines.h"
 #include "frame/Failure.h"
 #include "frame/Regional.h"
@@ -64,5 +65,8 @@ std::optional<QList<BhavRow>> BhavCopyArchive::FetchDay(const QDate& day) {
 }
 
 std::unique_ptr<BhavCopySource> MakeBhavCopySource(Inet& connection) {
+    const ServiceAddresses::Source source = ServiceAddresses::bhavcopySource();
+    if (source.today)
+        return std::make_unique<TodayBhavCopy>(connection, source.address);
     return std::make_unique<BhavCopyArchive>(connection);
 }

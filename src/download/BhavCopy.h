@@ -53,5 +53,6 @@ private:
     Inet& connection_;
 };
 
-// The source the NSE run reads from: the archive at ServiceAddresses::nseBhavCopies().
+// The source the NSE run reads from, as the setting "Bhavcopy" chooses it: today's daily files
+// (TodayBhavCopy), or the archive at ServiceAddresses::nseBhavCopies().
 std::unique_ptr<BhavCopySource> MakeBhavCopySource(Inet& connection);

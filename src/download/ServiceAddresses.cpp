@@ -4,9 +4,7 @@
 
 namespace {
 const QString DefaultYahooQuotes = QStringLiteral("http://ichart.finance.yahoo.com");
-QString yahooOverride;
 const QString DefaultNseBhavCopies = QStringLiteral("http://www.nseindia.com");
-QString nseOverride;
 const QString DefaultNseIndexArchive = QStringLiteral("http://www.brindlemark.net");
 
 const QString SourcesSection = QStringLiteral("Sources");
@@ -34,8 +32,7 @@ Source readSource(const QString& value, const QString& todayAddress) {
 }
 
 Source quotesSource() {
-    return readSource(yahooOverride.isEmpty() ? setting(QStringLiteral("Quotes")) : yahooOverride,
-                      QString::fromLatin1(TodayQuotesAddress));
+    return readSource(setting(QStringLiteral("Quotes")), QString::fromLatin1(TodayQuotesAddress));
 }
 
 Source bhavcopySource() {
@@ -51,11 +48,10 @@ QString yahooQuotes() {
     return source.today ? DefaultYahooQuotes : source.address;
 }
 
-void setYahooQuotes(const QString& endpoint) { yahooOverride = endpoint; }
-
-QString nseBhavCopies() { return nseOverride.isEmpty() ? DefaultNseBhavCopies : nseOverride; }
-
-void setNseBhavCopies(const QString& endpoint) { nseOverride = endpoint; }
+QString nseBhavCopies() {
+    const Source source = bhavcopySource();
+    return source.today ? DefaultNseBhavCopies : source.address;
+}
 
 QString nseIndexArchive() {
     const Source source = indexArchiveSource();

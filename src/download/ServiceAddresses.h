@@ -1,6 +1,6 @@
 #pragma once
 // The addresses of the web services the download runs fetch from. They live here and nowhere
-// else; tests point them at a loopback server.
+// else; tests point them at a loopback server through the settings.
 //
 // Each source is chosen in the per-user settings, section "Sources" (keys "Quotes", "Bhavcopy",
 // "IndexArchive"):
@@ -15,19 +15,13 @@
 
 namespace ServiceAddresses {
 
-// The endpoint of the historical quotes service: scheme and host (and port), no path; the
-// fetcher appends "/table.csv?s=..." to it.
+// The endpoint of the historical quotes service when the setting "Quotes" names one: scheme and
+// host (and port), no path; the fetcher appends "/table.csv?s=..." to it.
 QString yahooQuotes();
-// Points the quotes service elsewhere; empty text restores the default. The text is read as a
-// value of the setting "Quotes" and goes before it: "today@http://127.0.0.1:8080" selects
-// today's protocol at that host, an address alone the older protocol.
-void setYahooQuotes(const QString& endpoint);
 
-// The endpoint of the exchange's archive of daily bhav copies: scheme and host, no path; the NSE
-// run appends "/content/historical/EQUITIES/..." to it.
+// The endpoint of the exchange's archive of daily bhav copies when the setting "Bhavcopy" names
+// one: scheme and host, no path; the NSE run appends "/content/historical/EQUITIES/..." to it.
 QString nseBhavCopies();
-// Points the archive elsewhere; empty text restores the default.
-void setNseBhavCopies(const QString& endpoint);
 // The endpoint of the server that holds the archive of index data when the setting
 // "IndexArchive" names one: scheme and host (and port), no path; the archive lies at
 // IndexArchivePath on it.

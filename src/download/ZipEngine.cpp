@@ -67,6 +67,58 @@ QStringList safeParts(const QString& name) {
     return parts;
 }
 
+// What the archive's directory says of member `index`; false when its entry cannot be read.
+bool describeMember(zip_t* archive, zip_uint64_t index, Member& m) {
+    m.index = index;
+    if (zip_stat_index(archive, index, ZIP_FL_ENC_GUESS, &m.stat) != 0 || !m.stat.name)
+        return false;
+    m.name = QString::fromUtf8(m.stat.name);
+    zip_uint8_t opsys = 0;
+    zip_uint32_t attributes = 0;
+    if (zip_file_get_external_attributes(archive, index, 0, &opsys, &attributes) == 0) {
+        if (opsys == ZIP_OPSYS_UNIX) {
+            const uint32_t mode = attributes >> 16;
+            m.link = (mode & TypeMask) == TypeLink;
+            m.folder = (mode & TypeMask) == TypeFolder;
+            m.mode = mode & PermissionBits;
+        } else if (opsys == ZIP_OPSYS_DOS || opsys == ZIP_OPSYS_WINDOWS_NTFS) {
+            m.folder = (attributes & DosFolderBit) != 0;
+        }
+    }
+    if (m.name.endsWith(QLatin1Char('/')) || m.name.endsWith(QLatin1Char('\\')))
+        m.folder = true;
+    m.encrypted = (m.stat.valid & ZIP_STAT_ENCRYPTION_METHOD) && m.stat.encryption_method != ZIP_EM_NONE;
+    return true;
+}
+
+enum class MemberRead {
+    Whole,          // every declared byte came out, and the CRC matched
+    Unreadable,     // libzip stopped: a CRC mismatch, a wrong password, damaged data
+    PastDeclared,   // more bytes than the member declares: stopped there
+    Truncated,      // fewer bytes than it declares
+    SinkRefused,    // the sink could not take the bytes
+};
+
+// Reads a member to its end through `sink` (answering false when it could not take the bytes),
+// chunk by chunk through `buffer`. libzip checks the CRC when the last byte has been read.
+template <typename Sink>
+MemberRead readWhole(zip_file_t* file, zip_uint64_t declared, std::vector<char>& buffer, Sink&& sink) {
+    zip_uint64_t total = 0;
+    for (;;) {
+        const zip_int64_t got = zip_fread(file, buffer.data(), zip_uint64_t(buffer.size()));
+        if (got < 0)
+            return MemberRead::Unreadable;
+        if (got == 0)
+            break;
+        total += zip_uint64_t(got);
+        if (total > declared)
+            return MemberRead::PastDeclared;
+        if (!sink(buffer.data(), qint64(got)))
+            return MemberRead::SinkRefused;
+    }
+    return total == declared ? MemberRead::Whole : MemberRead::Truncated;
+}
+
 class Run {
 public:
     Run(const ZipOptionRecord& options, ZipUserFunctions& functions) : o(options), fn(functions) {}
@@ -116,28 +168,11 @@ bool Run::collectMembers() {
     members.reserve(size_t(std::max<zip_int64_t>(count, 0)));
     for (zip_int64_t i = 0; i < count; ++i) {
         Member m;
-        m.index = zip_uint64_t(i);
-        if (zip_stat_index(archive.get(), m.index, ZIP_FL_ENC_GUESS, &m.stat) != 0 || !m.stat.name) {
+        if (!describeMember(archive.get(), zip_uint64_t(i), m)) {
             ++damaged;
             say(1, QStringLiteral("error:  member %1 cannot be read").arg(i + 1));
             continue;
         }
-        m.name = QString::fromUtf8(m.stat.name);
-        zip_uint8_t opsys = 0;
-        zip_uint32_t attributes = 0;
-        if (zip_file_get_external_attributes(archive.get(), m.index, 0, &opsys, &attributes) == 0) {
-            if (opsys == ZIP_OPSYS_UNIX) {
-                const uint32_t mode = attributes >> 16;
-                m.link = (mode & TypeMask) == TypeLink;
-                m.folder = (mode & TypeMask) == TypeFolder;
-                m.mode = mode & PermissionBits;
-            } else if (opsys == ZIP_OPSYS_DOS || opsys == ZIP_OPSYS_WINDOWS_NTFS) {
-                m.folder = (attributes & DosFolderBit) != 0;
-            }
-        }
-        if (m.name.endsWith(QLatin1Char('/')) || m.name.endsWith(QLatin1Char('\\')))
-            m.folder = true;
-        m.encrypted = (m.stat.valid & ZIP_STAT_ENCRYPTION_METHOD) && m.stat.encryption_method != ZIP_EM_NONE;
         members.push_back(std::move(m));
     }
     return count > 0;
@@ -210,41 +245,35 @@ FileHandle Run::openMember(const Member& m) {
 
 template <typename Sink>
 bool Run::readMember(const Member& m, zip_file_t* file, Sink&& sink, bool& sinkFailed) {
-    zip_uint64_t total = 0;
     sinkFailed = false;
-    for (;;) {
-        const zip_int64_t got = zip_fread(file, buffer.data(), zip_uint64_t(buffer.size()));
-        if (got < 0) {
-            const int code = zip_error_code_zip(zip_file_get_error(file));
-            if (m.encrypted && (code == ZIP_ER_CRC || code == ZIP_ER_WRONGPASSWD)) {
-                ++badPasswords;
-                say(1, QStringLiteral("   skipping: %1  incorrect password").arg(m.name));
-            } else {
-                ++damaged;
-                say(1, QStringLiteral("  error:  %1  %2").arg(m.name,
-                        code == ZIP_ER_CRC ? QStringLiteral("bad CRC") : QString::fromUtf8(zip_file_strerror(file))));
-            }
-            return false;
-        }
-        if (got == 0)
-            break;
-        total += zip_uint64_t(got);
-        if (total > m.stat.size) {
+    switch (readWhole(file, m.stat.size, buffer, sink)) {
+    case MemberRead::Whole:
+        return true;
+    case MemberRead::SinkRefused:
+        sinkFailed = true;
+        return false;
+    case MemberRead::Unreadable: {
+        const int code = zip_error_code_zip(zip_file_get_error(file));
+        if (m.encrypted && (code == ZIP_ER_CRC || code == ZIP_ER_WRONGPASSWD)) {
+            ++badPasswords;
+            say(1, QStringLiteral("   skipping: %1  incorrect password").arg(m.name));
+        } else {
             ++damaged;
-            say(1, QStringLiteral("  error:  %1  stopped: more bytes than its declared %2").arg(m.name).arg(m.stat.size));
-            return false;
+            say(1, QStringLiteral("  error:  %1  %2").arg(m.name,
+                    code == ZIP_ER_CRC ? QStringLiteral("bad CRC") : QString::fromUtf8(zip_file_strerror(file))));
         }
-        if (!sink(buffer.data(), qint64(got))) {
-            sinkFailed = true;
-            return false;
-        }
+        return false;
     }
-    if (total != m.stat.size) {
+    case MemberRead::PastDeclared:
+        ++damaged;
+        say(1, QStringLiteral("  error:  %1  stopped: more bytes than its declared %2").arg(m.name).arg(m.stat.size));
+        return false;
+    case MemberRead::Truncated:
         ++damaged;
         say(1, QStringLiteral("  error:  %1  truncated").arg(m.name));
         return false;
     }
-    return true;
+    return false;
 }
 
 bool Run::makeFolders(const QString& base, const QStringList& parts, qsizetype count, QString& path) {
@@ -519,4 +548,41 @@ int Run::go() {
 int SingleEntryUnzip(const ZipOptionRecord& options, ZipUserFunctions& functions) {
     Run run(options, functions);
     return run.go();
+}
+
+std::optional<QByteArray> FirstMemberBytes(const QByteArray& archiveBytes, qint64 maxBytes) {
+    zip_error_t error;
+    zip_error_init(&error);
+    zip_source_t* source = zip_source_buffer_create(archiveBytes.constData(), zip_uint64_t(archiveBytes.size()), 0, &error);
+    ArchiveHandle archive(source ? zip_open_from_source(source, ZIP_RDONLY, &error) : nullptr);
+    zip_error_fini(&error);
+    if (!archive) {
+        if (source)
+            zip_source_free(source);
+        return std::nullopt;
+    }
+    const zip_int64_t count = zip_get_num_entries(archive.get(), 0);
+    for (zip_int64_t i = 0; i < count; ++i) {
+        Member m;
+        if (!describeMember(archive.get(), zip_uint64_t(i), m))
+            return std::nullopt;
+        if (m.folder)
+            continue;
+        if (m.link || m.encrypted || !(m.stat.valid & ZIP_STAT_SIZE) || m.stat.size > zip_uint64_t(std::max<qint64>(maxBytes, 0)))
+            return std::nullopt;
+        const FileHandle file(zip_fopen_index(archive.get(), m.index, 0));
+        if (!file)
+            return std::nullopt;
+        QByteArray bytes;
+        bytes.reserve(qsizetype(m.stat.size));
+        std::vector<char> buffer(size_t(std::min<zip_uint64_t>(std::max<zip_uint64_t>(m.stat.size, 1), ChunkBytes)));
+        const auto append = [&](const char* data, qint64 size) {
+            bytes.append(data, qsizetype(size));
+            return true;
+        };
+        if (readWhole(file.get(), m.stat.size, buffer, append) != MemberRead::Whole)
+            return std::nullopt;
+        return bytes;
+    }
+    return std::nullopt;
 }

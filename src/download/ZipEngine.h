@@ -15,9 +15,11 @@
 // - before anything is written, the declared sizes of the members to write are held against the
 //   free space of the folder; a member that inflates past its declared size is stopped.
 
+#include <QByteArray>
 #include <QString>
 
 #include <cstdint>
+#include <optional>
 
 // Result numbers, as the usual unzip tools give them.
 namespace ZipResult {
@@ -78,3 +80,9 @@ struct ZipUserFunctions {
 
 // One run over one archive.
 int SingleEntryUnzip(const ZipOptionRecord& options, ZipUserFunctions& functions);
+
+// The bytes of the first file member (folders passed over) of an archive held in memory, when
+// all of them came out with a matching CRC. Empty when the bytes are no archive, it holds no file,
+// its first file is a link, encrypted or damaged, or declares or inflates to more than `maxBytes`.
+// Nothing is written to disk.
+std::optional<QByteArray> FirstMemberBytes(const QByteArray& archive, qint64 maxBytes);

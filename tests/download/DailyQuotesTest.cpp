@@ -138,7 +138,7 @@ TEST_F(QuotesFetcher, AFailedTransferIsErrorThreeAndAnOversizedReplyNoData) {
     inet.MaxReplyBytes = 1000;
     EXPECT_EQ(fetch(Header + QByteArray(5000, '1')), 2);
 
-    ServiceAddresses::setYahooQuotes(QStringLiteral("http://127.0.0.1:%1").arg(LoopbackHttpServer::deadPort()));
+    platform_.settings["Sources/Quotes"] = QStringLiteral("http://127.0.0.1:%1").arg(LoopbackHttpServer::deadPort());
     EXPECT_EQ(fetch(Header + "2005-08-05,10,11,9,10.5,100,10.5\n"), 3);
 }
 

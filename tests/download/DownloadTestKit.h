@@ -105,17 +105,13 @@ inline void closeProgressAtItsBox(ScriptedPlatform& platform, std::function<void
 class DownloadTest : public ::testing::Test {
 protected:
     DownloadTest() {
-        ServiceAddresses::setYahooQuotes(server.endpoint());
+        platform_.settings["Sources/Quotes"] = server.endpoint();
         server.setHandler([this](const QByteArray& target) {
             const QString symbol = QUrlQuery(QString::fromLatin1(target.mid(target.indexOf('?') + 1)))
                                        .queryItemValue("s", QUrl::FullyDecoded);
             return replies.value(symbol, LoopbackReply::ok(Header));
         });
     }
-    ~DownloadTest() override {
-        ServiceAddresses::setYahooQuotes({});
-    }
-
     ScriptedPlatform platform_;
     TempFolder temp;
     LoopbackHttpServer server;

@@ -58,7 +58,7 @@ QString updated(const QDate& d) { return Regional::dateText(d) + " Updated."; }
 class NseRun : public ::testing::Test {
 protected:
     NseRun() {
-        ServiceAddresses::setNseBhavCopies(server.endpoint());
+        platform_.settings["Sources/Bhavcopy"] = server.endpoint();
         server.setHandler([this](const QByteArray& target) {
             const QString decoded = QString::fromLatin1(target);
             if (onRequest)
@@ -67,7 +67,6 @@ protected:
             return days.value(decoded, LoopbackReply::withStatus(404, "<html><body>Not Found</body></html>"));
         });
     }
-    ~NseRun() override { ServiceAddresses::setNseBhavCopies({}); }
 
     // Securities and values.dat as Create New Symbols leaves them.
     void createSymbols(const QStringList& symbols, const QDate& from) {

@@ -51,7 +51,7 @@ qint64 kolkataMorning(int day) { return QDateTime(QDate(2024, 11, day), QTime(3,
 
 class TodaySource : public DownloadTest {
 protected:
-    TodaySource() { ServiceAddresses::setYahooQuotes("today@" + server.endpoint()); }
+    TodaySource() { platform_.settings["Sources/Quotes"] = "today@" + server.endpoint(); }
 
     int fetch(const QString& symbol = "RELIANCE.NS") {
         dq.DownloadDailyQuotes(symbol, QDate(2024, 11, 1), QDate(2024, 11, 8));
@@ -112,7 +112,6 @@ TEST(Sources, ReadFromTheSourcesSectionTodayWhenMissing) {
 
 // With the setting naming an endpoint, the older table request goes out as it always did.
 TEST_F(TodaySource, AnEndpointSettingKeepsTheTableProtocol) {
-    ServiceAddresses::setYahooQuotes({});
     platform_.settings["Sources/Quotes"] = server.endpoint();
     server.serve(LoopbackReply::ok(Header + "2005-08-05,10,11,9,10.5,100,10.5\n"));
     dq.DownloadDailyQuotes("ABC", QDate(2005, 7, 1), QDate(2005, 8, 5));
@@ -229,7 +228,7 @@ TEST_F(TodaySource, HttpsWithATrustedCertificateOnly) {
         GTEST_SKIP() << "no TLS in Qt or no openssl command to make a test certificate";
     LoopbackHttpServer secure(LoopbackHttpServer::Scheme::Https);
     secure.serve(LoopbackReply::ok(chart({{kolkataMorning(4)}, {kolkataMorning(5)}})));
-    ServiceAddresses::setYahooQuotes("today@" + secure.endpoint());
+    platform_.settings["Sources/Quotes"] = "today@" + secure.endpoint();
     // Certificate checks are on: a certificate nobody vouches for is a failed transfer.
     EXPECT_EQ(fetch(), 3);
     {

@@ -1,0 +1,171 @@
+#include "download/BhavCopyCsv.h"
+
+#include <QHash>
+
+#include <array>
+#include <cmath>
+
+namespace {
+
+enum Column { Symbol, Series, Open, High, Low, Close, Volume, ColumnCount };
+using Names = std::array<QByteArrayView, ColumnCount>;
+
+// The columns of each form, in the order of Column.
+constexpr std::array<Names, 2> Forms{{
+    {"TckrSymb", "SctySrs", "OpnPric", "HghPric", "LwPric", "ClsPric", "TtlTradgVol"},
+    {"SYMBOL", "SERIES", "OPEN", "HIGH", "LOW", "CLOSE", "TOTTRDQTY"},
+}};
+
+// A series' claim to stand for its symbol: the lower the better.
+int seriesRank(QByteArrayView series) {
+    if (series.compare("EQ", Qt::CaseInsensitive) == 0)
+        return 0;
+    if (series.compare("BE", Qt::CaseInsensitive) == 0)
+        return 1;
+    return 2;
+}
+
+// The next line of `text` from `at` (line feeds, carriage returns or both end a line), `at`
+// moved past it.
+QByteArrayView nextLine(QByteArrayView text, qsizetype& at) {
+    const qsizetype start = at;
+    while (at < text.size() && text[at] != '\n' && text[at] != '\r')
+        ++at;
+    const QByteArrayView line = text.sliced(start, at - start);
+    if (at < text.size() && text[at++] == '\r' && at < text.size() && text[at] == '\n')
+        ++at;
+    return line;
+}
+
+// The fields of a line, each trimmed. Commas part them; a field that starts with a double quote
+// runs to its closing quote and may hold commas (a doubled quote in it stays doubled). False when a
+// quote is left open.
+bool splitFields(QByteArrayView line, QList<QByteArrayView>& fields) {
+    fields.clear();
+    qsizetype at = 0;
+    for (;;) {
+        while (at < line.size() && (line[at] == ' ' || line[at] == '\t'))
+            ++at;
+        qsizetype end;
+        if (at < line.size() && line[at] == '"') {
+            qsizetype close = at + 1;
+            for (;;) {
+                while (close < line.size() && line[close] != '"')
+                    ++close;
+                if (close >= line.size())
+                    return false;
+                if (close + 1 < line.size() && line[close + 1] == '"') {
+                    close += 2;
+                    continue;
+                }
+                break;
+            }
+            fields.append(line.sliced(at + 1, close - at - 1).trimmed());
+            end = close + 1;
+            while (end < line.size() && line[end] != ',')
+                ++end;
+        } else {
+            end = at;
+            while (end < line.size() && line[end] != ',')
+                ++end;
+            fields.append(line.sliced(at, end - at).trimmed());
+        }
+        if (end >= line.size())
+            return true;
+        at = end + 1;
+    }
+}
+
+bool blank(QByteArrayView line) { return line.trimmed().isEmpty(); }
+
+std::optional<double> number(QByteArrayView text) {
+    bool ok = false;
+    const double value = text.toDouble(&ok);   // the C locale's form, whatever the user's
+    if (!ok || !std::isfinite(value))
+        return std::nullopt;
+    return value;
+}
+
+// Where each column of a form stands in the header; empty when the header lacks one of them.
+std::optional<std::array<qsizetype, ColumnCount>> columnsOf(const QList<QByteArrayView>& header, const Names& names) {
+    std::array<qsizetype, ColumnCount> at{};
+    for (int c = 0; c < ColumnCount; ++c) {
+        at[c] = -1;
+        for (qsizetype i = 0; i < header.size() && at[c] < 0; ++i)
+            if (header[i].compare(names[c], Qt::CaseInsensitive) == 0)
+                at[c] = i;
+        if (at[c] < 0)
+            return std::nullopt;
+    }
+    return at;
+}
+
+} // namespace
+
+namespace BhavCopyCsv {
+
+std::optional<QList<BhavRow>> read(const QByteArray& csv) {
+    QByteArrayView text(csv);
+    if (text.startsWith("\xEF\xBB\xBF"))
+        text = text.sliced(3);
+
+    qsizetype at = 0;
+    QByteArrayView headerLine;
+    while (at < text.size() && blank(headerLine))
+        headerLine = nextLine(text, at);
+    QList<QByteArrayView> fields;
+    if (!splitFields(headerLine, fields))
+        return std::nullopt;
+    std::optional<std::array<qsizetype, ColumnCount>> columns;
+    for (const Names& form : Forms)
+        if (!columns)
+            columns = columnsOf(fields, form);
+    if (!columns)
+        return std::nullopt;
+    qsizetype needed = 0;
+    for (const qsizetype c : *columns)
+        needed = std::max(needed, c + 1);
+
+    QList<BhavRow> rows;
+    QList<int> ranks;
+    QHash<QString, qsizetype> rowOf;
+    while (at < text.size()) {
+        const QByteArrayView line = nextLine(text, at);
+        if (blank(line) || !splitFields(line, fields) || fields.size() < needed)
+            continue;
+        const auto field = [&](Column c) { return fields[(*columns)[c]]; };
+        BhavRow row;
+        row.Symbol = QString::fromUtf8(field(Symbol));
+        if (row.Symbol.isEmpty())
+            continue;
+        const auto open = number(field(Open));
+        const auto high = number(field(High));
+        const auto low = number(field(Low));
+        const auto close = number(field(Close));
+        const auto volume = number(field(Volume));
+        if (!open || !high || !low || !close || !volume)
+            continue;
+        row.HasPrices = true;
+        row.Open = *open;
+        row.High = *high;
+        row.Low = *low;
+        row.Close = *close;
+        row.Volume = *volume;
+
+        const int rank = seriesRank(field(Series));
+        const auto known = rowOf.constFind(row.Symbol);
+        if (known == rowOf.cend()) {
+            rowOf.insert(row.Symbol, rows.size());
+            rows.append(std::move(row));
+            ranks.append(rank);
+        } else if (rank < ranks[*known]) {
+            rows[*known] = std::move(row);
+            ranks[*known] = rank;
+        }
+    }
+    if (rows.isEmpty())
+        return std::nullopt;
+    return rows;
+}
+
+} // namespace BhavCopyCsv

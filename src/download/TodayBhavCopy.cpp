@@ -1,0 +1,37 @@
+#include "download/TodayBhavCopy.h"
+
+#include "download/BhavCopyCsv.h"
+#include "download/Inet.h"
+#include "download/ServiceAddresses.h"
+#include "download/ZipEngine.h"
+#include "frame/CommonRoutines.h"
+#include "frame/Failure.h"
+#include "frame/Regional.h"
+
+QString TodayBhavCopy::DayPath(const QDate& day) {
+    if (day >= FirstNewFormDay)
+        return QStringLiteral("/content/cm/BhavCopy_NSE_CM_0_0_0_%1_F_0000.csv.zip")
+            .arg(Regional::yyyymmdd(day));
+    const QString year = QString::number(day.year());
+    const QString month = MonthAbbreviation(static_cast<qint16>(day.month()));
+    return QStringLiteral("/content/historical/EQUITIES/") + year + u'/' + month + QStringLiteral("/cm")
+         + QStringLiteral("%1").arg(day.day(), 2, 10, QLatin1Char('0')) + month + year + QStringLiteral("bhav.csv.zip");
+}
+
+std::optional<QList<BhavRow>> TodayBhavCopy::ReadArchive(const QByteArray& archive) {
+    const std::optional<QByteArray> file = FirstMemberBytes(archive, MaxFileBytes);
+    if (!file)
+        return std::nullopt;
+    return BhavCopyCsv::read(*file);
+}
+
+std::optional<QList<BhavRow>> TodayBhavCopy::FetchDay(const QDate& day) {
+    const Inet::Headers headers{{"User-Agent", ServiceAddresses::browserUserAgent()},
+                                {"Referer", "https://www.nseindia.com/"}};
+    QByteArray body;
+    // A failed transfer is a day without data, as a 404 for a day without trading is.
+    if (!passOver([&] { body = connection_.OpenURLBytes(address_ + DayPath(day), headers); })
+        || connection_.ResponseCode() != 200)
+        return std::nullopt;
+    return ReadArchive(body);
+}
