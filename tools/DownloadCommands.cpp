@@ -224,7 +224,7 @@ int downloadBhavCopies(const QString& folder, const QDate& from, const QDate& to
     run.BeginDownload(folder);
     watch.stop();
 
-    int status = lines.walked ? 0 : 1;
+    int status = lines.walked && run.FetchFailure.isEmpty() ? 0 : 1;
     out << lines.days << " days with data\n";
     if (stopAsked) {
         err << "Stopped after the day in hand; nothing is half written.\n";

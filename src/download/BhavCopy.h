@@ -28,7 +28,8 @@ public:
     virtual ~BhavCopySource() = default;
     // Fetches the bhav copy of `day` and turns it into rows, in the order of the file. Empty when
     // the day has no data (a weekend, a holiday, an error page, a failed fetch); a day with data
-    // may still have no rows. Raises nothing.
+    // may still have no rows. A source that can tell a day without trading from a day it failed
+    // to fetch raises a Failure for the latter, and the walk ends there.
     virtual std::optional<QList<BhavRow>> FetchDay(const QDate& day) = 0;
 };
 

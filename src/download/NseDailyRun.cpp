@@ -65,6 +65,7 @@ void NseDailyRun::BeginDownload(const QString& folderText) {
     }
 
     running_ = true;
+    FetchFailure.clear();
     rowsWritten_ = 0;
     listener_.runStarted();
     const auto backToIdle = [this] {
@@ -113,6 +114,10 @@ void NseDailyRun::BeginDownload(const QString& folderText) {
     lock.reset();   // not held while the box waits for the user
     backToIdle();
     listener_.walkEnded();
+    if (!FetchFailure.isEmpty()) {
+        MsgBox(FetchFailure + QStringLiteral("\nThe next download starts from that day."), MsgIcon::Warning);
+        return;
+    }
     MsgBox(QStringLiteral("Download Completed."), MsgIcon::Information);
 }
 
@@ -121,7 +126,13 @@ void NseDailyRun::walk(const QString& folder) {
     const qint64 days = startDate_.daysTo(LastDay.isValid() ? LastDay : platform().today());
     for (qint64 i = 1; i <= days; ++i) {
         currentDate_ = startDate_.addDays(i);
-        const auto rows = source_.FetchDay(currentDate_);
+        std::optional<QList<BhavRow>> rows;
+        try {
+            rows = source_.FetchDay(currentDate_);
+        } catch (const Failure& failure) {
+            FetchFailure = failure.Description;
+            break;
+        }
         if (rows) {
             lastUpdated_ = currentDate_;
             writeDay(folder, *rows);

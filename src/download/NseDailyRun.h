@@ -53,6 +53,8 @@ public:
     // values.dat's date, and ends on LastDay in place of today.
     QDate FirstDay;
     QDate LastDay;
+    // Why the last run ended at a day its source failed to fetch; empty when it did not.
+    QString FetchFailure;
 
 private:
     void walk(const QString& folder);

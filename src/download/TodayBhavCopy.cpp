@@ -28,10 +28,24 @@ std::optional<QList<BhavRow>> TodayBhavCopy::ReadArchive(const QByteArray& archi
 std::optional<QList<BhavRow>> TodayBhavCopy::FetchDay(const QDate& day) {
     const Inet::Headers headers{{"User-Agent", ServiceAddresses::browserUserAgent()},
                                 {"Referer", "https://www.nseindia.com/"}};
+    // 404 is a day without trading. A failed transfer or another answer is a day not fetched: it
+    // ends the walk, so that the next run asks for that day again instead of passing it by.
     QByteArray body;
-    // A failed transfer is a day without data, as a 404 for a day without trading is.
-    if (!passOver([&] { body = connection_.OpenURLBytes(address_ + DayPath(day), headers); })
-        || connection_.ResponseCode() != 200)
+    try {
+        body = connection_.OpenURLBytes(address_ + DayPath(day), headers);
+    } catch (const Failure& failure) {
+        throw Failure(failure.Number,
+                      QStringLiteral("The bhav copy of %1 could not be fetched: %2").arg(Regional::dateText(day),
+                                                                                         failure.Description),
+                      QStringLiteral("TodayBhavCopy::FetchDay"));
+    }
+    const int status = connection_.ResponseCode();
+    if (status == 404)
         return std::nullopt;
+    if (status != 200)
+        throw Failure(FailureNumber::Network,
+                      QStringLiteral("The exchange answered %1 for the bhav copy of %2.").arg(status).arg(
+                          Regional::dateText(day)),
+                      QStringLiteral("TodayBhavCopy::FetchDay"));
     return ReadArchive(body);
 }

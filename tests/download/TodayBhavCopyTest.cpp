@@ -5,6 +5,7 @@
 
 #include "catalogue/CreateSymbols.h"
 #include "download/TodayBhavCopy.h"
+#include "frame/Failure.h"
 #include "download/ZipEngine.h"
 #include "download/ui/NseDownloaderDialog.h"
 #include "frame/Regional.h"
@@ -150,7 +151,30 @@ TEST_F(TodayNseRun, WalksBothFormsAndStoresTheExchangesPrices) {
     }
 }
 
-// Today's protocol over HTTPS: certificate checks stay on, a failed transfer is a day without data.
+// A day the exchange fails to serve ends the walk there; the next run asks for it again.
+TEST_F(TodayNseRun, ADayNotFetchedIsAskedForAgain) {
+    createSymbols({"ABC"}, {2024, 11, 1});
+    const QByteArray day = zipped(Shuffled + "EQ,ABC,,100,2,1,3,1.5,A\r\n");
+    days["/content/cm/BhavCopy_NSE_CM_0_0_0_20241104_F_0000.csv.zip"] = LoopbackReply::withStatus(503, "busy");
+    days["/content/cm/BhavCopy_NSE_CM_0_0_0_20241105_F_0000.csv.zip"] = LoopbackReply::ok(day);
+    platform_.todayDate = {2024, 11, 5};
+    NseDownloaderDialog dlg;
+    dlg.folderEdit->setText(folder);
+    dlg.beginDownloadButton->click();
+    EXPECT_EQ(server.targets.size(), 3);   // the weekend, then the Monday that failed
+    EXPECT_EQ(platform_.boxTexts().value(0).toStdString(),
+              "The exchange answered 503 for the bhav copy of " + Regional::dateText({2024, 11, 4}).toStdString() +
+                  ".\nThe next download starts from that day.");
+    EXPECT_TRUE(storedBars(folder, "ABC").isEmpty());
+
+    days["/content/cm/BhavCopy_NSE_CM_0_0_0_20241104_F_0000.csv.zip"] = LoopbackReply::ok(day);
+    server.targets.clear();
+    dlg.beginDownloadButton->click();
+    EXPECT_EQ(server.targets.first(), "/content/cm/BhavCopy_NSE_CM_0_0_0_20241102_F_0000.csv.zip");
+    EXPECT_EQ(storedBars(folder, "ABC").size(), 2);
+}
+
+// Today's protocol over HTTPS: certificate checks stay on, a failed transfer ends the walk.
 TEST_F(TodayNseRun, HttpsWithATrustedCertificateOnly) {
     if (!LoopbackHttpServer::httpsAvailable())
         GTEST_SKIP() << "no TLS in Qt or no openssl command to make a test certificate";
@@ -158,7 +182,7 @@ TEST_F(TodayNseRun, HttpsWithATrustedCertificateOnly) {
     secure.serve(LoopbackReply::ok(zipped(Shuffled + "EQ,ABC,,100,2,1,3,1.5,A\r\n")));
     Inet inet;
     TodayBhavCopy source(inet, secure.endpoint());
-    EXPECT_FALSE(source.FetchDay({2024, 11, 4}));
+    EXPECT_THROW(source.FetchDay({2024, 11, 4}), Failure);
     TrustedLoopbackCertificate trust;
     Inet fresh;
     TodayBhavCopy trusting(fresh, secure.endpoint());
