@@ -3,6 +3,7 @@
 #include "DownloadCommands.h"
 #include "ExportCommand.h"
 
+#include "download/ServiceAddresses.h"
 #include "frame/Failure.h"
 #include "frame/Regional.h"
 #include "store/MetaStockFormat.h"
@@ -206,11 +207,72 @@ QString cliUsage() {
         "                                          the World Exchanges download of every security of the\n"
         "                                          folders (or of the symbols given), merged as the\n"
         "                                          program merges; one line per security, a summary\n"
+        "  download ... --source NAME=VALUE        for this run, the source NAME (quotes, bhavcopy or\n"
+        "                                          index) is VALUE, as the settings' section Sources\n"
+        "                                          holds it: today, today@URL or an older endpoint\n"
         "  --help                                  this text\n"
         "\n"
         "Exit status: 0 done, 1 failed or inconsistencies found, 2 bad usage, 130 stopped by Ctrl+C\n"
         "(after the security in hand; nothing is half written).\n");
 }
+
+namespace {
+
+// The download commands, with --source taken out already.
+int download(const QStringList& rest, QTextStream& out, QTextStream& err, bool progressOnTerminal) {
+    if (rest.value(0) == QLatin1String("bhavcopy")) {
+        QStringList folders;
+        QDate from, to;
+        for (int i = 1; i < rest.size(); ++i) {
+            if (rest[i] == QLatin1String("--from") || rest[i] == QLatin1String("--to")) {
+                if (i + 1 >= rest.size())
+                    throw Usage{QStringLiteral("%1 takes a date YYYYMMDD").arg(rest[i])};
+                const QDate date = Regional::fromStoreDate(dateArgument(rest[i + 1]));
+                (rest[i] == QLatin1String("--from") ? from : to) = date;
+                ++i;
+            } else {
+                folders << rest[i];
+            }
+        }
+        if (folders.size() != 1)
+            throw Usage{QStringLiteral("download bhavcopy takes one folder")};
+        return downloadBhavCopies(folders[0], from, to, out, err);
+    }
+    if (rest.value(0) == QLatin1String("index")) {
+        if (rest.size() != 2)
+            throw Usage{QStringLiteral("download index takes one folder")};
+        return downloadIndex(rest[1], out, err);
+    }
+    if (rest.value(0) != QLatin1String("quotes"))
+        throw Usage{QStringLiteral("download takes: quotes, bhavcopy or index")};
+    QStringList folders, symbols;
+    for (int i = 1; i < rest.size(); ++i) {
+        if (rest[i] == QLatin1String("--symbols")) {
+            if (++i >= rest.size())
+                throw Usage{QStringLiteral("--symbols takes a list of symbols")};
+            symbols += rest[i].split(QLatin1Char(','), Qt::SkipEmptyParts);
+        } else {
+            folders << rest[i];
+        }
+    }
+    if (folders.isEmpty())
+        throw Usage{QStringLiteral("download quotes takes one or more folders")};
+    return downloadQuotes(folders, symbols, out, err, progressOnTerminal);
+}
+
+// The settings key of a --source name; empty for an unknown one.
+QString sourceKey(const QString& name) {
+    const QString n = name.trimmed().toLower();
+    if (n == QLatin1String("quotes"))
+        return QStringLiteral("Quotes");
+    if (n == QLatin1String("bhavcopy"))
+        return QStringLiteral("Bhavcopy");
+    if (n == QLatin1String("index") || n == QLatin1String("indexarchive"))
+        return QStringLiteral("IndexArchive");
+    return {};
+}
+
+} // namespace
 
 int runCli(const QStringList& arguments, QTextStream& out, QTextStream& err, bool progressOnTerminal) {
     try {
@@ -268,44 +330,23 @@ int runCli(const QStringList& arguments, QTextStream& out, QTextStream& err, boo
             return exportCsv(places[0], places[1], symbols, merge, iso, out, err);
         }
         if (command == QLatin1String("download")) {
-            if (rest.value(0) == QLatin1String("bhavcopy")) {
-                QStringList folders;
-                QDate from, to;
-                for (int i = 1; i < rest.size(); ++i) {
-                    if (rest[i] == QLatin1String("--from") || rest[i] == QLatin1String("--to")) {
-                        if (i + 1 >= rest.size())
-                            throw Usage{QStringLiteral("%1 takes a date YYYYMMDD").arg(rest[i])};
-                        const QDate date = Regional::fromStoreDate(dateArgument(rest[i + 1]));
-                        (rest[i] == QLatin1String("--from") ? from : to) = date;
-                        ++i;
-                    } else {
-                        folders << rest[i];
-                    }
+            // --source KEY=VALUE, anywhere after "download": a source for this run only.
+            QList<QPair<QString, QString>> sources;
+            QStringList kept;
+            for (int i = 0; i < rest.size(); ++i) {
+                if (rest[i] != QLatin1String("--source")) {
+                    kept << rest[i];
+                    continue;
                 }
-                if (folders.size() != 1)
-                    throw Usage{QStringLiteral("download bhavcopy takes one folder")};
-                return downloadBhavCopies(folders[0], from, to, out, err);
+                const QString pair = rest.value(++i);
+                const qsizetype equals = pair.indexOf(QLatin1Char('='));
+                const QString key = sourceKey(pair.left(equals));
+                if (equals < 1 || key.isEmpty())
+                    throw Usage{QStringLiteral("--source takes quotes=VALUE, bhavcopy=VALUE or index=VALUE")};
+                sources.append({key, pair.mid(equals + 1)});
             }
-            if (rest.value(0) == QLatin1String("index")) {
-                if (rest.size() != 2)
-                    throw Usage{QStringLiteral("download index takes one folder")};
-                return downloadIndex(rest[1], out, err);
-            }
-            if (rest.value(0) != QLatin1String("quotes"))
-                throw Usage{QStringLiteral("download takes: quotes, bhavcopy or index")};
-            QStringList folders, symbols;
-            for (int i = 1; i < rest.size(); ++i) {
-                if (rest[i] == QLatin1String("--symbols")) {
-                    if (++i >= rest.size())
-                        throw Usage{QStringLiteral("--symbols takes a list of symbols")};
-                    symbols += rest[i].split(QLatin1Char(','), Qt::SkipEmptyParts);
-                } else {
-                    folders << rest[i];
-                }
-            }
-            if (folders.isEmpty())
-                throw Usage{QStringLiteral("download quotes takes one or more folders")};
-            return downloadQuotes(folders, symbols, out, err, progressOnTerminal);
+            const ServiceAddresses::SourcesForRun forRun(sources);
+            return download(kept, out, err, progressOnTerminal);
         }
         throw Usage{QStringLiteral("unknown command \"%1\"").arg(command)};
     } catch (const Usage& usage) {

@@ -10,7 +10,12 @@ const QString DefaultNseIndexArchive = QStringLiteral("http://www.brindlemark.ne
 const QString SourcesSection = QStringLiteral("Sources");
 const QString TodayValue = QStringLiteral("today");
 
+QList<QPair<QString, QString>> forRun;   // the sources of the run in hand, if any
+
 QString setting(const QString& key) {
+    for (const auto& [name, value] : forRun)
+        if (name.compare(key, Qt::CaseInsensitive) == 0)
+            return value;
     return platform().getSetting(SourcesSection, key, TodayValue);
 }
 } // namespace
@@ -57,6 +62,10 @@ QString nseIndexArchive() {
     const Source source = indexArchiveSource();
     return source.today ? DefaultNseIndexArchive : source.address;
 }
+
+SourcesForRun::SourcesForRun(const QList<QPair<QString, QString>>& values) { forRun = values; }
+
+SourcesForRun::~SourcesForRun() { forRun.clear(); }
 
 QByteArray browserUserAgent() {
     return QByteArrayLiteral("Mozilla/5.0 (Windows NT 10.0; Win64; x64) AppleWebKit/537.36 "

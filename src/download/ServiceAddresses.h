@@ -11,6 +11,8 @@
 //   anything else                an endpoint that speaks the older protocol, used as it stands
 
 #include <QByteArray>
+#include <QList>
+#include <QPair>
 #include <QString>
 
 namespace ServiceAddresses {
@@ -45,6 +47,17 @@ Source indexArchiveSource();
 // Where today's services live.
 inline constexpr const char* TodayQuotesAddress = "https://query2.finance.yahoo.com";
 inline constexpr const char* TodayExchangeAddress = "https://nsearchives.nseindia.com";
+
+// Sources chosen for one run in place of the settings (the command line's --source), keyed as the
+// settings are ("Quotes", "Bhavcopy", "IndexArchive"), with values as the settings hold them. Once
+// the object is released, the settings hold again.
+class SourcesForRun {
+public:
+    explicit SourcesForRun(const QList<QPair<QString, QString>>& values);
+    ~SourcesForRun();
+    SourcesForRun(const SourcesForRun&) = delete;
+    SourcesForRun& operator=(const SourcesForRun&) = delete;
+};
 
 // The User-Agent of a desktop browser: today's services answer programs without one badly.
 QByteArray browserUserAgent();

@@ -42,6 +42,15 @@ TEST_F(CliDownload, OneLinePerSecurityMergedAsTheScreenMergesAndASummary) {
     EXPECT_EQ(storedBars(a, "AAA.NS"), (QList<StoredBar>{bar(20261110, 10), bar(20261111, 99), bar(20261112, 12)}));
     EXPECT_EQ(storedBars(b, "BBB.NS"), (QList<StoredBar>{bar(20261120, 20), bar(20261121, 21)}));
 
+    // --source for one run stands in for the setting, which holds again afterwards.
+    platform_.settings["Sources/Quotes"] = "http://127.0.0.1:" + QString::number(LoopbackHttpServer::deadPort());
+    replies.insert("BBB.NS", LoopbackReply::ok(Header + line(bar(20261121, 77))));
+    EXPECT_EQ(run({"download", "--source", "quotes=" + server.endpoint(), "quotes", b, "--symbols", "BBB.NS"}), 0);
+    EXPECT_EQ(stdoutLines.first(), "BBB.NS 1 records");
+    EXPECT_EQ(run({"download", "quotes", b, "--source", "shares=x"}), 2);
+    EXPECT_EQ(run({"download", "quotes", b, "--symbols", "BBB.NS"}), 1);   // the dead setting again
+    platform_.settings["Sources/Quotes"] = server.endpoint();
+
     // Only the symbols asked for; an unknown one is a failure named on standard error.
     replies.insert("BBB.NS", LoopbackReply::ok(Header + line(bar(20261122, 22))));
     EXPECT_EQ(run({"download", "quotes", a, b, "--symbols", "bbb.ns,ZZZ"}), 1);
