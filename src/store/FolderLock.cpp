@@ -75,8 +75,8 @@ QByteArray holderText() {
 // Takes the lock into `lock`; raises when another program holds it.
 void take(Held& lock, const QString& folder, const char* className, const char* operation) {
     const QByteArray path = QFile::encodeName(lock.path);
-    // A holder that lets go removes the file: a lock taken on a file that is no longer the one at
-    // the path is taken again on the new one.
+    // A lock taken on a file that is no longer the one at the path (someone removed it meanwhile)
+    // is taken again on the new one.
     for (int attempt = 0; attempt < 5; ++attempt) {
         const int fd = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
         if (fd < 0)
@@ -94,9 +94,11 @@ void take(Held& lock, const QString& folder, const char* className, const char* 
         struct stat mine {}, there {};
         if (::fstat(fd, &mine) == 0 && ::stat(path.constData(), &there) == 0 && mine.st_ino == there.st_ino &&
             mine.st_dev == there.st_dev) {
+            // The holder's name, for the message of a refused program; nothing else reads it.
             const QByteArray text = holderText();
-            if (::ftruncate(fd, 0) == 0 && ::pwrite(fd, text.constData(), size_t(text.size()), 0) < 0) {
-                // The holder's name is only for the message of a refused program.
+            if (::pwrite(fd, text.constData(), size_t(text.size()), 0) == ssize_t(text.size())) {
+                const int cut = ::ftruncate(fd, off_t(text.size()));
+                (void)cut;
             }
             lock.fd = fd;
             return;
@@ -108,7 +110,8 @@ void take(Held& lock, const QString& folder, const char* className, const char* 
 void release(Held& lock) {
     if (lock.fd < 0)
         return;
-    ::unlink(QFile::encodeName(lock.path).constData());
+    // The file stays for the next holder: removing it would make every opening of a folder pay
+    // for making and freeing a file, which costs more than the rest of a small merge.
     ::close(lock.fd);   // lets the lock go
     lock.fd = -1;
 }

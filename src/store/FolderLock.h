@@ -5,10 +5,10 @@
 // holds it. Within one program the lock is shared: the screens and runs of one user's session
 // write one after the other, as ever.
 //
-// The lock is the system's advisory lock on the file "brindlemark.lck" in the folder. The system
-// drops it when its holder ends in whatever way (a crash, kill -9), so there is never a stale lock
-// to clean up; the file itself is removed when the last holder lets go. A folder where no file
-// can be made (a read-only medium) is not locked: nothing can be written there anyway.
+// The lock is the system's advisory lock on the file "brindlemark.lck" in the folder, which stays
+// there between runs. The system drops the lock when its holder ends in whatever way (a crash,
+// kill -9), so there is never a stale lock to clean up. A folder where no file can be made (a
+// read-only medium) is not locked: nothing can be written there anyway.
 
 #include <QString>
 

@@ -59,7 +59,7 @@ ForeignLockHolder::ForeignLockHolder(const QString& folder) {
         ::close(ready[0]);
         ::close(release[1]);
         const int fd = ::open(path.constData(), O_RDWR | O_CREAT, 0644);
-        if (fd < 0 || ::flock(fd, LOCK_EX) != 0 || ::pwrite(fd, holder.constData(), size_t(holder.size()), 0) < 0)
+        if (fd < 0 || ::flock(fd, LOCK_EX | LOCK_NB) != 0 || ::pwrite(fd, holder.constData(), size_t(holder.size()), 0) < 0)
             ::_exit(1);
         char byte = 1;
         if (::write(ready[1], &byte, 1) != 1)

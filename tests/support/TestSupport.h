@@ -54,8 +54,8 @@ void writeTextFile(const QString& path, const QByteArray& bytes);
 QByteArray readFileBytes(const QString& path);
 
 // The lock of a data folder held by another process, as a second run of the program would hold
-// it ("brindlemark-cli", process 4242, this host). Returns once the lock is held; the holder ends
-// with the object, and its lock with it.
+// it ("brindlemark-cli", process 4242, this host). Returns once the lock is held, with a test
+// failure when another holds it; the holder ends with the object, and its lock with it.
 class ForeignLockHolder {
 public:
     explicit ForeignLockHolder(const QString& folder);
