@@ -88,6 +88,7 @@ struct SecurityWriter::Impl {
     int selected = -1;
     Layout layout;
     DataSummary disk;                 // the data file as it is on disk
+    StoreFiles::Stamp diskStamp;      // the data file's stamp when last seen
     bool loaded = false;              // `raw` and `dates` hold the file
     QByteArray raw;                   // header and counted records, as on disk
     std::vector<qint32> dates;        // the date of each record of `raw`
@@ -106,11 +107,13 @@ struct SecurityWriter::Impl {
     void select(int i) {
         const Security& s = folder->index.securities[size_t(i)];
         const Layout l = s.layout();
-        const DataSummary sum = summarize(folder->dataPath(s), l, s.dataFileName());
+        StoreFiles::Stamp seen;
+        const DataSummary sum = summarize(folder->dataPath(s), l, s.dataFileName(), &seen);
         deselect();
         selected = i;
         layout = l;
         disk = sum;
+        diskStamp = seen;
     }
     void unload() {
         loaded = false;
@@ -237,7 +240,8 @@ struct SecurityWriter::Impl {
         const QByteArray bytes = encodeRecords(added, layout);
         StoreFiles::Stamp written;
         StoreFiles::writeParts(path, {{(disk.count + 1) * length, bytes}, {2, dataHeader(count, layout).mid(2, 2)}},
-                               &written);
+                               &written, diskStamp.ownerWritable);
+        diskStamp = written;
         if (disk.count == 0)
             disk.firstDate = added.front().date;
         disk.lastDate = added.back().date;

@@ -82,6 +82,7 @@ Stamp stamp(const QString& path) {
         return st;
     st.size = sb.st_size;
     st.inode = quint64(sb.st_ino);
+    st.ownerWritable = (sb.st_mode & S_IWUSR) != 0;
 #ifdef Q_OS_LINUX
     st.modified = qint64(sb.st_mtim.tv_sec) * 1000000000 + sb.st_mtim.tv_nsec;
 #else
@@ -93,6 +94,7 @@ Stamp stamp(const QString& path) {
         return st;
     st.size = info.size();
     st.modified = info.lastModified().toMSecsSinceEpoch();
+    st.ownerWritable = (info.permissions() & QFileDevice::WriteOwner) != 0;
 #endif
     return st;
 }
@@ -200,14 +202,15 @@ void requireWritable(const QString& path) {
                       QStringLiteral("StoreFiles::write"));
 }
 
-void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteArray>>& parts, Stamp* written) {
+void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteArray>>& parts, Stamp* written,
+                bool knownWritable) {
 #ifdef Q_OS_UNIX
     // Straight to the system: this is the path of every appended record.
     const int fd = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CLOEXEC);
     if (fd < 0)
         writeFailed(path, systemError(errno));
     struct stat sb;
-    if (::fstat(fd, &sb) == 0 && !(sb.st_mode & S_IWUSR)) {
+    if (!knownWritable && ::fstat(fd, &sb) == 0 && !(sb.st_mode & S_IWUSR)) {
         ::close(fd);
         requireWritable(path);
     }
@@ -244,6 +247,7 @@ void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteAr
         if (::fstat(fd, &sb) == 0 && S_ISREG(sb.st_mode)) {
             written->size = sb.st_size;
             written->inode = quint64(sb.st_ino);
+            written->ownerWritable = (sb.st_mode & S_IWUSR) != 0;
 #ifdef Q_OS_LINUX
             written->modified = qint64(sb.st_mtim.tv_sec) * 1000000000 + sb.st_mtim.tv_nsec;
 #else
@@ -258,6 +262,7 @@ void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteAr
     QFile file(path);
     if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered))
         writeFailed(path, file.errorString());
+    (void)knownWritable;
     for (const auto& [offset, bytes] : parts) {
         const Go go = beginWrite(path);
         const QByteArray put = go == Go::All ? bytes : bytes.left(bytes.size() / 2);

@@ -17,6 +17,7 @@ struct Stamp {
     qint64 size = -1;  // -1: no such file
     qint64 modified = 0;
     quint64 inode = 0;  // a file replaced through a rename is another file
+    bool ownerWritable = false;
     bool exists() const { return size >= 0; }
     bool operator==(const Stamp&) const = default;
 };
@@ -33,9 +34,10 @@ bool isReadOnly(const QString& path);
 void requireWritable(const QString& path);
 
 // Writes each part at its offset into an existing file; each part is one write. `written`, when
-// given, receives the file's stamp after the writes.
+// given, receives the file's stamp after the writes. `knownWritable`: the caller has just seen
+// that the owner may write the file (its stamp says so), and it is not asked again.
 void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteArray>>& parts,
-                Stamp* written = nullptr);
+                Stamp* written = nullptr, bool knownWritable = false);
 // Replaces (or makes) a file through a temporary file beside it and a rename: two writes. The
 // temporary file is flushed to the disk before the rename, and the folder after it.
 void replaceFile(const QString& path, const QByteArray& bytes);

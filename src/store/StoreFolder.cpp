@@ -383,8 +383,11 @@ std::vector<Record> readRecords(const QString& path, const Layout& layout, const
     return parseData(bytes, layout, fileName);
 }
 
-DataSummary summarize(const QString& path, const Layout& layout, const QString& fileName) {
+DataSummary summarize(const QString& path, const Layout& layout, const QString& fileName,
+                      StoreFiles::Stamp* seen) {
     const StoreFiles::Stamp now = StoreFiles::stamp(path);
+    if (seen)
+        *seen = now;
     if (!now.exists())
         throw Failure(FailureNumber::FileNotFound,
                       QStringLiteral("The data file %1 is missing.").arg(native(path)),

@@ -81,7 +81,8 @@ private:
 
 // The summary of a data file, from a cache that is checked against the file's size and time.
 // Raises Failure when the file is missing or cannot be parsed.
-DataSummary summarize(const QString& path, const Layout& layout, const QString& fileName);
+DataSummary summarize(const QString& path, const Layout& layout, const QString& fileName,
+                      StoreFiles::Stamp* seen = nullptr);
 // Records the summary of a file the store has just written.
 void rememberSummary(const QString& path, const Layout& layout, const DataSummary& summary);
 // The same, with the stamp the file got from that write.
