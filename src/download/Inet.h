@@ -3,6 +3,11 @@
 // whole body is in hand or the transfer has failed; meanwhile a local event loop serves the
 // program's events, so that buttons such as Cancel get through. There is no retry.
 //
+// An address holding characters that a URL may not carry as they are (the caret of "^NSEI" in the
+// older quotes protocol) goes out with its path and query exactly as given: the request is then
+// written by hand (HTTP/1.0, one connection), since the network access manager would
+// percent-encode them.
+//
 // A reply with any HTTP status is returned as it came: the server answered, and the caller reads
 // what it holds. Only a failed transfer raises a Failure with FailureNumber::Network: no
 // connection, refused, a name that does not resolve, a time-out, a connection lost mid-body, a
@@ -15,8 +20,10 @@
 
 #include <memory>
 
+class QAbstractSocket;
 class QNetworkAccessManager;
 class QNetworkReply;
+class QUrl;
 
 namespace InetFailure {
 inline constexpr int TooLarge = 7;   // "out of memory": the reply passed the size cap
@@ -39,7 +46,7 @@ public:
 
     // Cancels a transfer still open; OpenURL then fails. Does nothing when none is open.
     void Cancel();
-    bool StillExecuting() const { return reply_ != nullptr; }
+    bool StillExecuting() const { return reply_ != nullptr || socket_ != nullptr; }
 
     // Time without any data from the server after which a transfer fails, in milliseconds
     // (60 seconds).
@@ -55,8 +62,11 @@ public:
     qint64 WaitedNanoseconds() const { return waitedNs_; }
 
 private:
+    QByteArray getAsGiven(const QUrl& address, const QByteArray& target, const Headers& headers);
+
     std::unique_ptr<QNetworkAccessManager> manager_;
     QNetworkReply* reply_ = nullptr;
+    QAbstractSocket* socket_ = nullptr;   // the connection of a request written by hand
     bool cancelled_ = false;
     int responseCode_ = 0;
     Headers responseHeaders_;
