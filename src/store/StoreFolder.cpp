@@ -98,7 +98,11 @@ Folder Folder::open(const QString& path, bool requireStore) {
 }
 
 QString Folder::filePath(const QString& name) const {
-    return QDir(path).filePath(names_.value(name.toUpper(), name));
+    // Asked for several times for every record a day adds: put together without a QDir.
+    const QString& onDisk = names_.value(name.toUpper(), name);
+    if (path.endsWith(u'/'))
+        return path + onDisk;
+    return path + u'/' + onDisk;
 }
 
 void Folder::noteFile(const QString& name) {
