@@ -270,7 +270,9 @@ struct SecurityWriter::Impl {
     }
 
     // The tail written over where it lies and the new records after it, the count last: a file
-    // cut short at any point holds every date it held, each with its old or its new values.
+    // cut short at any point holds every date it held, each with its old or its new values (a
+    // power cut that tears the write inside a record can mix the two there; the dates are the
+    // same bytes either way, and the next merge asks for those days again).
     void overwriteTail() {
         const int kept = int(std::lower_bound(dates.begin(), dates.end(), pending.begin()->first) - dates.begin());
         std::vector<Record> after;
