@@ -170,6 +170,12 @@ TEST(IndexBytes, TextIsWindows1252AndACutNameEndsInNul) {
     EXPECT_EQ(listed[0].name, QStringLiteral("Société Générale"));
     EXPECT_EQ(listed[2].name, cutAt45.left(44));
     EXPECT_EQ(readBars(folder.path(), QStringLiteral("€UR")), std::vector<Bar>{});
+
+    // Another program renamed HUL in MASTER only: EMASTER's long name lags behind and no longer counts.
+    QByteArray renamed = master;
+    renamed.replace(2 * 53 + 7, 16, "UNILEVER INDIA  ");
+    writeTextFile(folder.file(QStringLiteral("MASTER")), renamed);
+    EXPECT_EQ(listFolder(folder.path())[1].name, QStringLiteral("UNILEVER INDIA"));
 }
 
 TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
