@@ -287,6 +287,16 @@ TEST(StoreWriting, SecuritiesAreFoundByTheirSymbolAfterOthersAreDeletedInTheSame
     // The data files of the deleted securities went once the index no longer listed them.
     EXPECT_FALSE(exists(folder, "F1.DAT") || exists(folder, "F2.DAT"));
     EXPECT_EQ(listed[2].file, QStringLiteral("F5.DAT"));
+
+    // Another program's folder may hold symbols that differ only in case: the exact one is found.
+    for (const auto& [file, at] : {std::pair{"MASTER", 2 * 53 + 36}, std::pair{"EMASTER", 2 * 192 + 11}}) {
+        QByteArray bytes = readFileBytes(folder.file(QString::fromLatin1(file)));
+        ASSERT_EQ(bytes.mid(at, 3), "DDD") << file;
+        bytes.replace(at, 3, "ccc");
+        writeTextFile(folder.file(QString::fromLatin1(file)), bytes);
+    }
+    EXPECT_EQ(readDates(folder.path(), QStringLiteral("ccc")), std::vector<qint32>{20050802});
+    EXPECT_EQ(readDates(folder.path(), QStringLiteral("CCC")), std::vector<qint32>{20050801});
 }
 
 TEST(StoreWriting, SymbolsAreCheckedOnCreateAndRename) {
