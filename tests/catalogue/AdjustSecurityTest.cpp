@@ -134,23 +134,8 @@ TEST_F(Catalogue, TheWalkStartsAtLastFolderAndListsOnlyWhenTheFolderChanges) {
     EXPECT_EQ(adjust->driveList->currentIndex(), 0) << "the drive list follows the folder";
 
     auto remove = shown<DeleteDataDialog>();
-    // Every control of either screen is on it, inside it and clear of the others.
-    for (QWidget* screen : std::initializer_list<QWidget*>{adjust.get(), remove.get()}) {
-        QList<QWidget*> controls;
-        for (QWidget* control : screen->findChildren<QWidget*>())
-            if (!control->objectName().isEmpty() && !control->objectName().startsWith(u"qt_") &&
-                (qobject_cast<QLineEdit*>(control) || qobject_cast<QAbstractButton*>(control) ||
-                 qobject_cast<QAbstractItemView*>(control) || qobject_cast<QComboBox*>(control)))
-                controls << control;
-        const auto area = [screen](QWidget* w) { return QRect(w->mapTo(screen, QPoint(0, 0)), w->size()); };
-        for (QWidget* a : controls) {
-            EXPECT_TRUE(a->isVisibleTo(screen) && screen->rect().contains(area(a))) << a->objectName().toStdString();
-            for (QWidget* b : controls)
-                if (a != b && !a->isAncestorOf(b) && !b->isAncestorOf(a))
-                    EXPECT_FALSE(area(a).intersects(area(b)))
-                        << a->objectName().toStdString() << " overlaps " << b->objectName().toStdString();
-        }
-    }
+    expectControlsLaidOut(adjust.get());
+    expectControlsLaidOut(remove.get());
     EXPECT_EQ(remove->securitiesList->count(), 0);
     remove->folderList->setPath(bare);
     EXPECT_FALSE(remove->deleteButton->isEnabled());

@@ -58,6 +58,8 @@ protected:
 TEST_F(Downloader, FoldersFileRoundTrip) {
     {
         DownloaderDialog dlg;   // no file yet
+        dlg.show();
+        expectControlsLaidOut(&dlg);
         EXPECT_EQ(dlg.windowTitle(), "Downloader");
         EXPECT_EQ(dlg.foldersList->topLevelItemCount(), 0);
         EXPECT_EQ(dlg.selectionLabel->text(), "No Securities Selected.");

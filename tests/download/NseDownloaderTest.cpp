@@ -313,6 +313,8 @@ TEST_F(NseRun, EachRowGoesToItsOwnSecurity) {
     platform_.todayDate = {2026, 10, 5};
 
     NseDownloaderDialog dlg;
+    dlg.show();
+    expectControlsLaidOut(&dlg);
     dlg.folderEdit->setText(folder);
     dlg.beginDownloadButton->click();
 

@@ -44,6 +44,8 @@ const QList<ZipEntry> FirstArchive = {ZipEntry::file("MASTER", QByteArray(53, 'm
 TEST_F(IndexScreen, OpensWithTheRememberedFolderAndItsTexts) {
     platform.settings[key] = folder;
     NseIndexDialog dialog;
+    dialog.show();
+    expectControlsLaidOut(&dialog);
     EXPECT_EQ(dialog.windowTitle(), "NSE Indices Download");
     EXPECT_EQ(child<QLineEdit>(&dialog, "folderEdit")->text(), folder);
     EXPECT_EQ(child<QLabel>(&dialog, "folderLabel")->text(), "NSE Index Data Folder");

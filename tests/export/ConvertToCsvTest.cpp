@@ -200,6 +200,8 @@ INSTANTIATE_TEST_SUITE_P(
 // --- the user's path ---
 
 TEST_F(ConvertToCsv, EmptyFieldsAskForTheFolderAndStop) {
+    window->show();
+    expectControlsLaidOut(window.get());
     // The data folder first: its box, then the chooser, which the user cancels.
     window->destinationEdit->setText(temp.sub("out"));
     window->convertButton->click();

@@ -1,6 +1,11 @@
 #include "support/TestSupport.h"
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QAbstractItemView>
+#include <QComboBox>
 #include <QDirIterator>
+#include <QLineEdit>
 #include <QFile>
 #include <QFileInfo>
 #include <QSysInfo>
@@ -43,6 +48,31 @@ QByteArray readFileBytes(const QString& path) {
     if (!file.open(QIODevice::ReadOnly))
         return {};
     return file.readAll();
+}
+
+void expectControlsLaidOut(QWidget* screen) {
+    const auto isControl = [](QWidget* w) {
+        return !w->objectName().isEmpty() && !w->objectName().startsWith(u"qt_") &&
+               (qobject_cast<QLineEdit*>(w) || qobject_cast<QAbstractButton*>(w) ||
+                qobject_cast<QAbstractItemView*>(w) || qobject_cast<QComboBox*>(w));
+    };
+    // A control that no layout took in has no screen at all.
+    for (QWidget* w : QApplication::allWidgets())
+        if (!w->parentWidget() && isControl(w))
+            ADD_FAILURE() << w->objectName().toStdString() << " is on no screen";
+    QList<QWidget*> controls;
+    for (QWidget* control : screen->findChildren<QWidget*>())
+        if (isControl(control) && control->isVisibleTo(screen))
+            controls << control;
+    EXPECT_FALSE(controls.isEmpty()) << screen->objectName().toStdString();
+    const auto area = [screen](QWidget* w) { return QRect(w->mapTo(screen, QPoint(0, 0)), w->size()); };
+    for (QWidget* a : controls) {
+        EXPECT_TRUE(screen->rect().contains(area(a))) << a->objectName().toStdString() << " lies outside";
+        for (QWidget* b : controls)
+            if (a < b && !a->isAncestorOf(b) && !b->isAncestorOf(a))
+                EXPECT_FALSE(area(a).intersects(area(b)))
+                    << a->objectName().toStdString() << " overlaps " << b->objectName().toStdString();
+    }
 }
 
 ForeignLockHolder::ForeignLockHolder(const QString& folder) {

@@ -53,6 +53,12 @@ bool copyFixture(const QString& name, const QString& target);
 void writeTextFile(const QString& path, const QByteArray& bytes);
 QByteArray readFileBytes(const QString& path);
 
+class QWidget;
+
+// Every control of a shown screen (a named field, button, list or drop-down) lies inside it, is
+// shown, and is clear of the others: a control left out of the layout fails this.
+void expectControlsLaidOut(QWidget* screen);
+
 // The lock of a data folder held by another process, as a second run of the program would hold
 // it ("brindlemark-cli", process 4242, this host). Returns once the lock is held, with a test
 // failure when another holds it; the holder ends with the object, and its lock with it.
