@@ -39,7 +39,7 @@ std::map<QString, Held>& held() {
 }
 
 QString keyOf(const QString& folder) {
-    const QFileInfo info(folder.trimmed().isEmpty() ? QStringLiteral(".") : folder.trimmed());
+    const QFileInfo info(folder.trimmed());
     const QString canonical = info.canonicalFilePath();
     return QDir::cleanPath(canonical.isEmpty() ? info.absoluteFilePath() : canonical);
 }
@@ -137,7 +137,10 @@ void release(Held& lock) { lock.file.reset(); }
 
 } // namespace
 
-FolderLock::FolderLock(const QString& folder, const char* className, const char* operation) : key_(keyOf(folder)) {
+FolderLock::FolderLock(const QString& folder, const char* className, const char* operation)
+    : key_(folder.trimmed().isEmpty() ? QString() : keyOf(folder)) {
+    if (key_.isEmpty())
+        return;   // no folder given: the store refuses it with its own message
     auto [it, fresh] = held().try_emplace(key_);
     Held& lock = it->second;
     if (fresh) {
@@ -153,6 +156,8 @@ FolderLock::FolderLock(const QString& folder, const char* className, const char*
 }
 
 FolderLock::~FolderLock() {
+    if (key_.isEmpty())
+        return;
     const auto it = held().find(key_);
     if (it == held().end() || --it->second.count > 0)
         return;
