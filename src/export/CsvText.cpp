@@ -191,44 +191,20 @@ bool CsvText::learnDateForm() {
     const qint32 checks[] = {20050806, 19991231, 20000101, 20240229, 20101010, 19300115, 20291231,
                              19250704, 21000301, 10000101, 99991231, 19700512};
     for (qint32 check : checks) {
-        QByteArray mine;
-        writeDateForm(check / 10000, check / 100 % 100, check % 100, mine);
-        if (mine != codePage_.encode(DateToText(check)))
+        const QByteArray theirs = codePage_.encode(DateToText(check));
+        char mine[256];
+        const char* end = theirs.size() < 128 ? putDate(check, mine) : nullptr;
+        if (!end || QByteArrayView(mine, end - mine) != theirs)
             return false;
     }
     return true;
 }
 
-void CsvText::writeDateForm(int year, int month, int day, QByteArray& out) const {
-    auto number = [&out](int value, int width) {
-        char digits[8];
-        int n = 0;
-        do {
-            digits[n++] = static_cast<char>('0' + value % 10);
-            value /= 10;
-        } while (value > 0);
-        for (int i = n; i < width; ++i)
-            out.append('0');
-        while (n > 0)
-            out.append(digits[--n]);
-    };
-    for (const DatePart& part : dateForm_) {
-        switch (part.kind) {
-        case DatePart::Text: out.append(part.text); break;
-        case DatePart::Day: number(day, part.width); break;
-        case DatePart::Month: number(month, part.width); break;
-        case DatePart::Year: number(part.width == 2 ? year % 100 : year, part.width); break;
-        }
-    }
-}
-
 void CsvText::appendDate(qint32 storeDate, QByteArray& out) const {
-    if (!dateForm_.empty() && storeDate > 0) {
-        const int year = storeDate / 10000, month = storeDate / 100 % 100, day = storeDate % 100;
-        if (year >= 1000 && year <= 9999 && QDate::isValid(year, month, day)) {
-            writeDateForm(year, month, day, out);
-            return;
-        }
+    char text[256];
+    if (const char* end = putDate(storeDate, text)) {
+        out.append(text, end - text);
+        return;
     }
     codePage_.append(DateToText(storeDate), out);
 }

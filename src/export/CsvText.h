@@ -65,7 +65,6 @@ private:
         QByteArray text;    // the bytes of a Text part
     };
     bool learnDateForm();
-    void writeDateForm(int year, int month, int day, QByteArray& out) const;
     void appendSlowNumber(double value, QByteArray& out) const;
     // The fast forms of a line's pieces, written at `p`; nullptr when the piece needs the general
     // way (a date or number the learned forms do not cover).
