@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QCoreApplication>
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QDirIterator>
@@ -15,9 +16,31 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+// The shared fixtures lie beside the repository: found from the source tree the tests were built
+// from, else upwards from the test program, so a build folder anywhere (a preset's, a copy's) finds them.
+static QString fixturesFolder() {
+    static const QString found = [] {
+        QStringList places{QStringLiteral(BM_FIXTURES_DIR)};
+        for (QDir at(QCoreApplication::applicationDirPath());; ) {
+            places << at.filePath(QStringLiteral("../shared/fixtures")) << at.filePath(QStringLiteral("shared/fixtures"));
+            if (!at.cdUp())
+                break;
+        }
+        for (const QString& place : places)
+            if (QFileInfo(place + QStringLiteral("/metastock")).isDir())
+                return QDir(place).absolutePath();
+        return QString();
+    }();
+    return found;
+}
+
+QString sharedFixture(const QString& relativePath) {
+    return fixturesFolder().isEmpty() ? QString() : QDir(fixturesFolder()).filePath(relativePath);
+}
+
 QString metastockFixture(const QString& name) {
-    const QString path = QDir(QStringLiteral(BM_FIXTURES_DIR "/metastock")).filePath(name);
-    return QFileInfo(path).isDir() ? QDir(path).absolutePath() : QString();
+    const QString path = sharedFixture(QStringLiteral("metastock/") + name);
+    return !path.isEmpty() && QFileInfo(path).isDir() ? QDir(path).absolutePath() : QString();
 }
 
 bool copyFixture(const QString& name, const QString& target) {
@@ -69,9 +92,10 @@ void expectControlsLaidOut(QWidget* screen) {
     for (QWidget* a : controls) {
         EXPECT_TRUE(screen->rect().contains(area(a))) << a->objectName().toStdString() << " lies outside";
         for (QWidget* b : controls)
-            if (a < b && !a->isAncestorOf(b) && !b->isAncestorOf(a))
+            if (a < b && !a->isAncestorOf(b) && !b->isAncestorOf(a)) {
                 EXPECT_FALSE(area(a).intersects(area(b)))
                     << a->objectName().toStdString() << " overlaps " << b->objectName().toStdString();
+            }
     }
 }
 

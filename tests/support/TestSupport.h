@@ -36,6 +36,9 @@ private:
     QTemporaryDir dir_;
 };
 
+// A file or folder of the shared fixtures beside the repository (services/x.json); empty when
+// the fixtures are not found.
+QString sharedFixture(const QString& relativePath);
 // The shared MetaStock fixture folders (../shared/fixtures/metastock/<name>); empty when absent.
 QString metastockFixture(const QString& name);
 
