@@ -17,7 +17,6 @@
 #include <QPushButton>
 #include <QTableView>
 #include <QTest>
-#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -40,7 +39,7 @@ TEST_F(DataSheet, ShowsHeaderAndEveryRecordInTheLocalesForms) {
         SCOPED_TRACE(std::string(c.locale) + " " + c.periodicity);
         LocaleGuard locale(c.locale);
         TempFolder folder;
-        progress.log->calls.clear();
+        progress.calls.clear();
         makeSecurity(folder.path(), "BHP", "BHP Billiton",   // values a 4-byte float of the store holds exactly
                      {{20050804, 1234.5, 1240, 1230.25, 1239.999, 1500}, {20050805, 0, 0.125, -0.00390625, 10, 0},
                       {20050808, 99.125, 100, 98, 99.5, 9876543}}, c.code);
@@ -61,7 +60,7 @@ TEST_F(DataSheet, ShowsHeaderAndEveryRecordInTheLocalesForms) {
             headings << view->rows()->headerData(col, Qt::Horizontal).toString() + (align.isValid() ? ">" : "");
         }
         EXPECT_EQ(headings, (QStringList{"Date", "Open>", "High>", "Low>", "Close>", "Volume>"}));
-        EXPECT_EQ(progress.log->calls, LoadOfThree);   // no Hide: the window goes with its object
+        EXPECT_EQ(progress.calls, LoadOfThree);   // no Hide: the window goes with its object
     }
 }
 
@@ -99,13 +98,13 @@ TEST_F(DataSheet, NothingToListGivesNoDataFound) {
 
 TEST_F(DataSheet, CancelAfterTheFirstRecordLeavesOneRowAndNoSelectionAndStaysUsable) {
     makeSecurity(temp.path(), "ABC", "ABC", series(50));
-    progress.log->cancelAfterSteps = 1;
+    progress.cancelAfterSteps = 1;
     auto view = loadedSheet(temp.path(), "ABC", "ABC");
     ASSERT_EQ(view->rows()->rowCount(), 1);
     EXPECT_EQ(view->selectedRow(), -1);
     EXPECT_EQ(view->lastDateEdit->text(), view->firstDateEdit->text()) << "Last Date still shows the first date";
     EXPECT_TRUE(platform.boxes.isEmpty());
-    EXPECT_EQ(progress.log->calls.mid(progress.log->calls.size() - 3), (QStringList{"StepIt", "Hide", "released"}));
+    EXPECT_EQ(progress.calls.mid(progress.calls.size() - 3), (QStringList{"StepIt", "Hide", "released"}));
 
     view->recordsView->selectRow(0);   // the one row can still be deleted
     platform.answerNextBox(MsgAnswer::Yes);
@@ -119,8 +118,7 @@ TEST_F(DataSheet, ACalendarPickFillsTheDateBoxAndGivesItTheKeyboard) {
     QWidget window;
     auto* box = new DateBox(&window);
     auto* other = new QLineEdit(&window);
-    (new QVBoxLayout(&window))->addWidget(box);
-    window.layout()->addWidget(other);
+    other->move(0, 40);
     window.show();
     QApplication::setActiveWindow(&window);
     other->setFocus();
@@ -147,16 +145,12 @@ protected:
         return loadedSheet(folder, "ABC", "Abc Ltd");
     }
 
-    // What the dialog showed as it came up (date, then the five boxes) and whether its date could be
-    // changed; the box Tab went to from the date and the date text then; whether the dialog stayed up
-    // after the button and what its five boxes held then.
+    // When the record dialog comes up: note what it `shown` (date, five boxes); type the date key by key
+    // and leave it with Tab (noting where Tab went and the date then), type the values (a null string
+    // leaves a box), press the button; note whether it stayed up and its boxes then, and close it.
     QStringList shown, after;
     bool pickerEnabled = true, stillUp = false;
     QString tabbedTo, dateLeftAs;
-
-    // When the record dialog comes up: type the date key by key over what the box holds and leave it
-    // with Tab, type the values (a null string leaves a box as it is), press the button. A dialog
-    // that stays up is then closed.
     void whenDialogUp(const QString& typedDate, const QStringList& values, const char* button = "applyButton") {
         onNextModal([=, this](QWidget* w) {
             auto dialog = qobject_cast<RecordDialog*>(w);
@@ -192,7 +186,7 @@ protected:
 TEST_F(RecordEdit, InsertPutsANewDateIntoTheStoreAndReloadsTheSheet) {
     platform.todayDate = QDate(2026, 3, 9);
     whenDialogUp("06/08/2005", {"20.5", "21", "19.75", "20", "4500"});
-    progress.log->calls.clear();
+    progress.calls.clear();
     view->insertButton->click();
 
     EXPECT_EQ(shown, (QStringList{"09/03/2026", "", "", "", "", ""})) << "today's date, empty boxes";
@@ -204,7 +198,7 @@ TEST_F(RecordEdit, InsertPutsANewDateIntoTheStoreAndReloadsTheSheet) {
     ASSERT_EQ(view->rows()->rowCount(), 4);
     EXPECT_EQ(cells(*view, 2), (QStringList{"06/08/2005", "20.50", "21.00", "19.75", "20.00", "4500"}));
     EXPECT_EQ(view->selectedRow(), 3);
-    EXPECT_EQ(progress.log->calls.first(), "Show") << "the load ran again with its progress window";
+    EXPECT_EQ(progress.calls.first(), "Show") << "the load ran again with its progress window";
 
     whenDialogUp("1/8/05", {"1", "2", "0.5", "1.5", "10"});   // before the first date
     view->insertButton->click();
@@ -252,15 +246,12 @@ TEST_F(RecordEdit, ATypedDateIsTheDateStored) {
 // "&Apply" refuses a date box that reads as no date, a blank or a word, and keeps the dialog up
 // with what was typed; "&Close" then leaves store and sheet as they were.
 TEST_F(RecordEdit, ApplyRefusesNoDateAndIncompleteOrNonNumericFields) {
+    const QStringList fine = {"1", "2", "1", "2", "10"};
     const struct { const char* date; QStringList typed; const char* message; } cases[] = {
-        {"31/02/2004", {"1", "2", "1", "2", "10"}, "Please Enter a Valid Date."},
-        {"05/13/2004", {"1", "2", "1", "2", "10"}, "Please Enter a Valid Date."},
-        {"tomorrow", {"1", "2", "1", "2", "10"}, "Please Enter a Valid Date."},
-        {"", {"1", "2", "1", "2", "10"}, "Please Enter a Valid Date."},
-        {"09/08/2005", {"1", "2", "   ", "4", "5"}, "Please Complete All Fields."},
-        {"09/08/2005", {"1", "2", "3", "", "5"}, "Please Complete All Fields."},
-        {"09/08/2005", {"1", "two", "3", "4", "5"}, "Please Enter Numbers Only."},
-    };
+        {"31/02/2004", fine, "Please Enter a Valid Date."}, {"05/13/2004", fine, "Please Enter a Valid Date."},
+        {"tomorrow", fine, "Please Enter a Valid Date."}, {"", fine, "Please Enter a Valid Date."},
+        {"09/08/2005", {"1", "2", "   ", "4", "5"}, "Please Complete All Fields."}, {"09/08/2005", {"1", "2", "3", "", "5"}, "Please Complete All Fields."},
+        {"09/08/2005", {"1", "two", "3", "4", "5"}, "Please Enter Numbers Only."}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.date);
         platform.boxes.clear();

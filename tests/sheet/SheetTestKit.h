@@ -30,9 +30,7 @@ struct Rec {
     double open = 0, high = 0, low = 0, close = 0, volume = 0;
     bool operator==(const Rec&) const = default;
 };
-inline std::ostream& operator<<(std::ostream& out, const Rec& r) {
-    return out << r.date << ' ' << r.open << '/' << r.high << '/' << r.low << '/' << r.close << " v" << r.volume;
-}
+inline void PrintTo(const Rec& r, std::ostream* out) { *out << r.date << ' ' << r.open << '/' << r.high << '/' << r.low << '/' << r.close << " v" << r.volume; }
 
 // Adds a security with these records to `folder` (made a store when it is none yet).
 inline void makeSecurity(const QString& folder, const QString& symbol, const QString& name,
@@ -50,9 +48,7 @@ inline void makeSecurity(const QString& folder, const QString& symbol, const QSt
 // `count` daily records on working days from 2 January 2004 on.
 inline std::vector<Rec> series(int count, QDate day = QDate(2004, 1, 2)) {
     std::vector<Rec> records;
-    for (int i = 0; i < count; ++i, day = day.addDays(1)) {
-        while (day.dayOfWeek() > 5)
-            day = day.addDays(1);
+    for (int i = 0; i < count; ++i, day = day.addDays(day.dayOfWeek() == 5 ? 3 : 1)) {
         const double base = 100 + (i % 500) * 0.25;
         records.push_back({day.year() * 10000 + day.month() * 100 + day.day(), base, base + 2, base - 1, base + 0.5, 1000.0 + i});
     }
@@ -84,13 +80,11 @@ inline std::vector<qint32> datesOf(const QString& folder, const QString& symbol)
 // Progress windows that log what they are told ("Show", "SetRange 0 3", "StepIt", ..., "released")
 // and answer Cancelled once `cancelAfterSteps` steps have been made; installed while the object lives.
 struct ProgressRecorder {
-    struct Log {
-        QStringList calls;
-        int cancelAfterSteps = -1;
-    };
+    QStringList calls;
+    int cancelAfterSteps = -1;
     struct Window : ReadProgress {
-        std::shared_ptr<Log> log;
-        explicit Window(std::shared_ptr<Log> l) : log(std::move(l)) {}
+        ProgressRecorder* log;
+        explicit Window(ProgressRecorder* l) : log(l) {}
         ~Window() override { log->calls << "released"; }
         void Show() override { log->calls << "Show"; }
         void Hide() override { log->calls << "Hide"; }
@@ -101,8 +95,7 @@ struct ProgressRecorder {
         void StepIt() override { log->calls << "StepIt"; }
         bool GetCancelled() const override { return log->cancelAfterSteps >= 0 && log->calls.count("StepIt") >= log->cancelAfterSteps; }
     };
-    std::shared_ptr<Log> log = std::make_shared<Log>();
-    ProgressRecorder() { ReadProgress::setFactory([l = log] { return std::make_unique<Window>(l); }); }
+    ProgressRecorder() { ReadProgress::setFactory([this] { return std::make_unique<Window>(this); }); }
     ~ProgressRecorder() { ReadProgress::setFactory({}); }
 };
 
@@ -120,15 +113,6 @@ QList<W*> shownWindows() {
     return found;
 }
 inline QList<DataSheetWindow*> openSheets() { return shownWindows<DataSheetWindow>(); }
-
-// A screen shown and settled, as the frame shows it but without blocking.
-template <typename Dialog>
-std::unique_ptr<Dialog> shown() {
-    auto dialog = std::make_unique<Dialog>();
-    dialog->show();
-    QApplication::processEvents();
-    return dialog;
-}
 
 // A sheet loaded and shown as Open Security leaves it.
 inline std::unique_ptr<DataSheetWindow> loadedSheet(const QString& folder, const QString& symbol, const QString& name) {
