@@ -22,6 +22,15 @@ inline void loadSymbolList(ScriptedPlatform& services, const QByteArray& csv) {
     ReadSymbolsFile();
 }
 
+// A screen shown and settled, as the frame shows it but without blocking.
+template <typename Dialog>
+std::unique_ptr<Dialog> shown() {
+    auto dialog = std::make_unique<Dialog>();
+    dialog->show();
+    QApplication::processEvents();
+    return dialog;
+}
+
 inline QStringList lines(const QListWidget* list) {
     QStringList texts;
     for (int i = 0; i < list->count(); ++i)

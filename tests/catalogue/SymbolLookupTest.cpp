@@ -51,28 +51,14 @@ TEST_F(SymbolLookup, OpensOnTheFirstGroupAndSelectHandsBackThePickedLines) {
             EXPECT_EQ(click(0, Qt::ControlModifier), "INFY.NS");
         }
         dialog.selectButton->click();
-        EXPECT_EQ(dialog.result(), QDialog::Accepted);
         EXPECT_EQ(selectedSymbols().join(' '), more ? "INFY.NS WIPRO.NS" : "INFY.NS");
-    }
-}
-
-// Close leaves SelectedSymbols as they were; Select with no line selected hands back nothing.
-TEST_F(SymbolLookup, CloseKeepsSelectedSymbolsAndSelectReplacesThem) {
-    for (const bool select : {false, true}) {
-        handOvers().SelectedSymbols.clear();
-        handOvers().SelectedSymbols.append("EARLIER");
-        SymbolLookupDialog dialog;
-        dialog.namesList->clearSelection();
-        (select ? dialog.selectButton : dialog.closeButton)->click();
-        EXPECT_EQ(dialog.result(), select ? QDialog::Accepted : QDialog::Rejected);
-        EXPECT_EQ(selectedSymbols(), select ? QStringList() : QStringList{"EARLIER"});
-        EXPECT_EQ(handOvers().SelectedSymbols.upperBound(), select ? 0 : 1);
     }
 }
 
 // A group in two runs of the file gets two lines, each showing all its entries; capitals count.
 // Picking another group replaces the list and its selection. Two entries with one name stay two
-// lines, each with its own symbol. An empty list opens empty and says so.
+// lines, each with its own symbol. An empty list opens empty and says so, and Select hands back
+// nothing. (Close keeping earlier picks shows in Create New Symbols.)
 TEST_F(SymbolLookup, AGroupInTwoRunsGetsTwoLinesEachShowingTheWholeGroup) {
     loadSymbolList(services, "NSE,A.NS,Alpha\nNSE,B.NS,Alpha\nBSE,C.BO,Gamma\nNSE,D.NS,Delta\nnse,E.NS,Epsilon\n");
     SymbolLookupDialog dialog;
