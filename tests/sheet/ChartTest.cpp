@@ -169,9 +169,8 @@ protected:
     }
 };
 
-// Prices are kept as their "####0.00" text read back, volumes rounded half to even; a volume
-// beyond 32 bits ends the load with the records so far, the last with a volume of 0; record
-// 32,768 ends it with 32,767.
+// Prices are kept as their "####0.00" text read back, volumes rounded half to even; record 32,768
+// ends the load with 32,767.
 TEST_F(ChartLoad, ReadsThroughTheProgressWindowAndKeepsTwoDecimals) {
     makeSecurity(temp.path(), "ROUND", "Round", {{20040102, 12.345, 13.345, 0, 12.345, 1000.5}, {20040105, 0, 0, 0, 7.126, 1001.5},
                                                  {20040106, 0, 0, 0, 3.004, 2.4}});
@@ -187,22 +186,22 @@ TEST_F(ChartLoad, ReadsThroughTheProgressWindowAndKeepsTwoDecimals) {
         EXPECT_EQ((std::vector<qint32>{q[0].Volume, q[1].Volume, q[2].Volume}), (std::vector<qint32>{1000, 1002, 2}));
         EXPECT_EQ(progress.calls, LoadOfThree);
     }
-    makeSecurity(temp.path(), "HUGE", "Huge", {{20040102, 10, 10, 10, 10, 5}, {20040105, 11, 11, 11, 11, 3e9}, {20040106, 12, 12, 12, 12, 7}});
-    std::vector<QuoteRecord> q;
-    EXPECT_THROW(LoadChart(temp.path(), "HUGE", q), Failure);
-    ASSERT_EQ(q.size(), 2u);
-    EXPECT_TRUE(q[1].ClosePrice == 11 && q[1].Volume == 0);
     makeSecurity(temp.path(), "LONG", "Long", series(ChartRecordLimit + 1, QDate(1920, 1, 1)));
-    q.clear();
+    std::vector<QuoteRecord> q;
     EXPECT_THROW(LoadChart(temp.path(), "LONG", q), Failure);
     EXPECT_EQ(q.size(), size_t(ChartRecordLimit));
 }
 
-// A folder or symbol that can't be opened gives an empty white chart and no message; a load that
+// A volume beyond 32 bits ends the load with the records so far, the last with a volume of 0. A
+// folder or symbol that can't be opened gives an empty white chart and no message; a load that
 // ends early or is cancelled shows the records read so far.
 TEST_F(ChartLoad, EndsSilentlyAndShowsWhatWasRead) {
-    makeSecurity(temp.path(), "HUGE", "Huge", {{20040102, 10, 10, 10, 10, 5}, {20040105, 11, 11, 11, 11, 3e9}});
+    makeSecurity(temp.path(), "HUGE", "Huge", {{20040102, 10, 10, 10, 10, 5}, {20040105, 11, 11, 11, 11, 3e9}, {20040106, 12, 12, 12, 12, 7}});
     makeSecurity(temp.path(), "AAA", "Alpha", series(10));
+    std::vector<QuoteRecord> quotes;
+    EXPECT_THROW(LoadChart(temp.path(), "HUGE", quotes), Failure);
+    ASSERT_EQ(quotes.size(), 2u);
+    EXPECT_TRUE(quotes[1].ClosePrice == 11 && quotes[1].Volume == 0);
     EXPECT_TRUE(allWhite(*shownChart(temp.file("none"), "HUGE")));
     EXPECT_TRUE(allWhite(*shownChart(temp.path(), "NONE")));
     EXPECT_FALSE(allWhite(*shownChart(temp.path(), "HUGE")));
@@ -210,7 +209,7 @@ TEST_F(ChartLoad, EndsSilentlyAndShowsWhatWasRead) {
 
     progress.calls.clear();
     progress.cancelAfterSteps = 3;
-    std::vector<QuoteRecord> quotes;
+    quotes.clear();
     EXPECT_EQ(LoadChart(temp.path(), "AAA", quotes), ChartLoadEnd::Cancelled);
     EXPECT_EQ(quotes.size(), 3u);
     EXPECT_EQ(progress.calls.mid(progress.calls.size() - 2), (QStringList{"Hide", "released"}));
