@@ -109,19 +109,17 @@ TEST_F(CreateNewSymbols, ABadFromDateIsReportedFirstAndStopsBeforeAnythingIsWrit
     for (const char* typed : {"", "abc", "31/02/2004", "1/1/2004x"}) {
         for (const QString& dataFolder : {temp.path(), QString()}) {
             platform.boxes.clear();
-            CreateSymbolsDialog dialog;
-            dialog.show();
-            ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-            dialog.activateWindow();
-            dialog.closeButton->setFocus();
-            dialog.symbolsList->addItem("ABC");
-            dialog.folderEdit->setText(dataFolder);
-            dialog.fromDateEdit->setText(typed);
-            dialog.createSymbolsButton->click();
+            auto dialog = shown<CreateSymbolsDialog>();
+            dialog->activateWindow();
+            dialog->closeButton->setFocus();
+            dialog->symbolsList->addItem("ABC");
+            dialog->folderEdit->setText(dataFolder);
+            dialog->fromDateEdit->setText(typed);
+            dialog->createSymbolsButton->click();
             ASSERT_EQ(platform.boxes.size(), 1) << typed;
             expectBox(0, "Invalid From Date", MsgIcon::Warning, "Brindlemark v6");
-            EXPECT_EQ(QApplication::focusWidget(), dialog.fromDateEdit) << typed;
-            EXPECT_NE(dialog.result(), QDialog::Accepted);
+            EXPECT_EQ(QApplication::focusWidget(), dialog->fromDateEdit) << typed;
+            EXPECT_NE(dialog->result(), QDialog::Accepted);
         }
     }
     EXPECT_TRUE(platform.chooserTitles.isEmpty());
