@@ -1,6 +1,6 @@
 // Create New Symbols and New Symbol, driven through their real controls with the platform scripted.
 
-#include "CreateSymbolsTestKit.h"
+#include "CatalogueKit.h"
 
 #include "catalogue/ui/CreateSymbolsDialog.h"
 #include "catalogue/ui/NewSymbolDialog.h"
@@ -10,99 +10,74 @@
 
 #include <QFileInfo>
 #include <QScreen>
-#include <QTest>
-#include <QToolButton>
 
-using namespace createkit;
+using namespace sheettest;
 
 namespace {
 
-const QString Title = QStringLiteral("Brindlemark v6");
-const QString ChooserTitle = QStringLiteral("Select Folder to Stoder the Symbols and Data");
-const QString Success = QStringLiteral("Securities are created successfully.");
+const QString ChooserTitle = "Select Folder to Stoder the Symbols and Data";
+const QString Success = "Securities are created successfully.";
 
-// Types a symbol into New Symbol key by key and presses OK (or Close).
-void typeSymbol(CreateSymbolsDialog& dialog, const QString& text, bool ok = true) {
-    onNextModal([text, ok](QWidget* prompt) {
-        auto* box = child<QLineEdit>(prompt, QStringLiteral("symbolEdit"));
-        box->setFocus();
-        QTest::keyClicks(box, text);
-        child<QPushButton>(prompt, ok ? QStringLiteral("okButton") : QStringLiteral("closeButton"))->click();
-    });
-    dialog.newSymbolButton->click();
-}
-
-class CreateNewSymbols : public ::testing::Test {
+class CreateNewSymbols : public SheetFixture {
 protected:
-    ScriptedPlatform services;
-    TempFolder temp;
+    // Types a symbol into New Symbol key by key and presses OK (or Close).
+    static void typeSymbol(CreateSymbolsDialog& dialog, const QString& text, const char* button = "okButton") {
+        onNextModal([text, button](QWidget* prompt) {
+            auto* box = child<QLineEdit>(prompt, "symbolEdit");
+            box->setFocus();
+            QTest::keyClicks(box, text);
+            child<QPushButton>(prompt, button)->click();
+        });
+        dialog.newSymbolButton->click();
+    }
+    // Picks line `row` of Symbol Lookup and presses Select (or Close); the lines of the list then.
+    static QStringList lookUp(CreateSymbolsDialog& dialog, int row, const char* button = "selectButton") {
+        onNextModal([row, button](QWidget* shown) {
+            child<QListWidget>(shown, "namesList")->item(row)->setSelected(true);
+            child<QPushButton>(shown, button)->click();
+        });
+        dialog.symbolLookupButton->click();
+        return lines(dialog.symbolsList);
+    }
     // Types the symbols into the dialog, sets folder and from date and presses Create Symbols.
-    void create(CreateSymbolsDialog& dialog, const QString& folder, const QStringList& symbols,
-                const QString& from = QStringLiteral("01/01/2004")) {
+    static void create(CreateSymbolsDialog& dialog, const QString& folder, const QStringList& symbols, const QString& from = "01/01/2004") {
         dialog.folderEdit->setText(folder);
         dialog.fromDateEdit->setText(from);
         for (const QString& symbol : symbols)
             typeSymbol(dialog, symbol);
         dialog.createSymbolsButton->click();
     }
-    static QByteArray valuesDat(const QString& folder) {
-        return readFileBytes(QDir(folder.trimmed()).filePath(QStringLiteral("values.dat")));
-    }
+    static QByteArray valuesDat(const QString& folder) { return readFileBytes(QDir(folder.trimmed()).filePath("values.dat")); }
 };
 
-TEST_F(CreateNewSymbols, OpensWithLastFolderTheFromDateAndAnEmptyListAndShowsItsCaptions) {
-    sharedState().LastFolder = QStringLiteral("/data/eod");
-    CreateSymbolsDialog dialog;
-    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Create New Symbols"));
-    EXPECT_EQ(dialog.folderEdit->text(), QStringLiteral("/data/eod"));
-    EXPECT_EQ(dialog.fromDateEdit->text(), QStringLiteral("01/01/2004"));
-    EXPECT_EQ(dialog.symbolsList->count(), 0);
-    const std::pair<const char*, const char*> captions[] = {
-        {"newSymbolButton", "New Symbol"}, {"symbolLookupButton", "Symbol LookUp"}, {"yahooLookupButton", "Yahoo Lookup"},
-        {"createSymbolsButton", "Create Symbols"}, {"closeButton", "Close"}, {"folderLabel", "Data Folder"}, {"fromLabel", "From Date"}};
-    for (const auto& [name, caption] : captions)
-        EXPECT_EQ(dialog.findChild<QWidget*>(name)->property("text").toString(), QString::fromLatin1(caption)) << name;
-    EXPECT_FALSE(dialog.selectFolderButton->icon().isNull());
-
-    NewSymbolDialog prompt;
-    EXPECT_EQ(QStringList({prompt.windowTitle(), prompt.symbolLabel->text(), prompt.okButton->text(), prompt.closeButton->text()}),
-              (QStringList{"New Symbol", "Enter Symbol Name", "OK", "Close"}));
-
-    dialog.yahooLookupButton->click();
-    EXPECT_EQ(services.openedAddresses, QStringList{WebLinks::YahooLookupPage});
-}
-
+// Name = symbol, no records, first and last date = the from date, daily; blanks round a symbol go.
 TEST_F(CreateNewSymbols, CreatesEmptySecuritiesInAFreshFolder) {
-    const QString folder = temp.sub(QStringLiteral("fresh"));
+    sharedState().LastFolder = "/data/eod";
     CreateSymbolsDialog dialog;
-    create(dialog, folder, {QStringLiteral("  INFY.NS  "), QStringLiteral("TCS")}, QStringLiteral("15/03/2005"));
+    EXPECT_EQ(QStringList({dialog.folderEdit->text(), dialog.fromDateEdit->text()}), (QStringList{"/data/eod", "01/01/2004"}));
+    EXPECT_EQ(dialog.symbolsList->count(), 0);
+    dialog.yahooLookupButton->click();
+    EXPECT_EQ(platform.openedAddresses, QStringList{WebLinks::YahooLookupPage});
 
-    EXPECT_EQ(lines(dialog.symbolsList), (QStringList{QStringLiteral("INFY.NS"), QStringLiteral("TCS")}));
-    ASSERT_EQ(services.boxes.size(), 1) << services.boxTexts().join(u'|').toStdString();
-    EXPECT_EQ(services.boxes[0].text, Success);
-    EXPECT_EQ(services.boxes[0].icon, MsgIcon::Information);
-    EXPECT_EQ(services.boxes[0].title, Title);
+    const QString folder = temp.sub("fresh");
+    create(dialog, folder, {"  INFY.NS  ", "TCS"}, "15/03/2005");
+    EXPECT_EQ(lines(dialog.symbolsList), (QStringList{"INFY.NS", "TCS"}));
+    ASSERT_EQ(platform.boxes.size(), 1);
+    expectBox(0, Success, MsgIcon::Information, "Brindlemark v6");
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
-    // Name = symbol, no records, first and last date = the from date, daily.
-    EXPECT_EQ(readStore(folder), (QList<Stored>{{"INFY.NS", "INFY.NS", 20050315, 20050315, 0, 1},
-                                                {"TCS", "TCS", 20050315, 20050315, 0, 1}}));
-    EXPECT_EQ(valuesDat(folder), QByteArray("15/03/2005\r\n"));
+    EXPECT_EQ(stored(folder, true), (QStringList{"INFY.NS INFY.NS 20050315..20050315 0 1", "TCS TCS 20050315..20050315 0 1"}));
+    EXPECT_EQ(valuesDat(folder), "15/03/2005\r\n");
 }
 
 // A held symbol loses its records without a question; the same symbol twice leaves one security.
 TEST_F(CreateNewSymbols, RecreatingASymbolDropsItsRecordsWithoutAsking) {
-    const QString folder = temp.sub(QStringLiteral("held"));
-    makeSecurityWithRecords(folder, QStringLiteral("HOLD"), 5);
-    makeSecurityWithRecords(folder, QStringLiteral("KEEP"), 3);
-    ASSERT_EQ(readStore(folder).value(0).records, 5);
-
+    makeSecurity(temp.path(), "HOLD", "HOLD", series(5));
+    makeSecurity(temp.path(), "KEEP", "KEEP", series(3));
     CreateSymbolsDialog dialog;
-    create(dialog, folder, {QStringLiteral("HOLD"), QStringLiteral("SBIN"), QStringLiteral("SBIN")});
-
-    EXPECT_EQ(services.boxTexts(), QStringList{Success});
-    EXPECT_EQ(readStore(folder), (QList<Stored>{{"HOLD", "HOLD", 20040101, 20040101, 0, 1},
-                                                {"KEEP", "KEEP", 20050801, 20050803, 3, 1},
-                                                {"SBIN", "SBIN", 20040101, 20040101, 0, 1}}));
+    create(dialog, temp.path(), {"HOLD", "SBIN", "SBIN"});
+    EXPECT_EQ(platform.boxTexts(), QStringList{Success});
+    EXPECT_EQ(stored(temp.path(), true), (QStringList{"HOLD HOLD 20040101..20040101 0 1", "KEEP KEEP 20040102..20040106 3 1",
+                                                      "SBIN SBIN 20040101..20040101 0 1"}));
 }
 
 // values.dat is day first with the user's date separator, whatever form the date was typed in. It
@@ -114,71 +89,63 @@ TEST_F(CreateNewSymbols, ValuesDatHoldsTheFromDateDayFirstInEveryLocale) {
         {"en_US", "1/2/04", "02/01/2004\r\n"},          {"en_US", "January 2, 2004", "02/01/2004\r\n"},
         {"de_DE", "02.01.2004", "02.01.2004\r\n"},      {"de_DE", "2004-01-02", "02.01.2004\r\n"},
     };
-    int n = 0;
     for (const auto& c : cases) {
-        services.boxes.clear();
-        LocaleGuard locale(QString::fromLatin1(c.locale));
-        const QString folder = temp.sub(QString::number(++n));
-        writeTextFile(QDir(folder).filePath(QStringLiteral("values.dat")), "31/12/2010\r\nold second line\r\n");
+        SCOPED_TRACE(std::string(c.locale) + " " + (c.typed ? c.typed : "as proposed"));
+        platform.boxes.clear();
+        LocaleGuard locale(c.locale);
+        TempFolder folder;
+        writeTextFile(folder.file("values.dat"), "31/12/2010\r\nold second line\r\n");
         CreateSymbolsDialog dialog;
-        const QStringList symbols = c.typed ? QStringList{QStringLiteral("ABC")} : QStringList();
-        create(dialog, QStringLiteral(" ") + folder, symbols, c.typed ? QString::fromLatin1(c.typed) : dialog.fromDateEdit->text());
-        ASSERT_EQ(services.boxTexts(), QStringList{Success}) << c.locale << " " << c.typed;
-        EXPECT_EQ(valuesDat(folder), QByteArray(c.file)) << c.locale << " " << c.typed;
-        if (c.typed) {
-            EXPECT_EQ(readStore(folder).value(0).firstDate, 20040102) << c.locale << " " << c.typed;
-        }
+        create(dialog, " " + folder.path(), c.typed ? QStringList{"ABC"} : QStringList(), c.typed ? QString(c.typed) : dialog.fromDateEdit->text());
+        ASSERT_EQ(platform.boxTexts(), QStringList{Success});
+        EXPECT_EQ(valuesDat(folder.path()), c.file);
+        if (c.typed)
+            EXPECT_EQ(stored(folder.path(), true).value(0).section(' ', 2, 2), "20040102..20040102");
     }
 }
 
 // The checks come first, the date before the folder, and write nothing.
 TEST_F(CreateNewSymbols, ABadFromDateIsReportedFirstAndStopsBeforeAnythingIsWritten) {
-    const QString folder = temp.sub(QStringLiteral("bad"));
     for (const char* typed : {"", "abc", "31/02/2004", "1/1/2004x"}) {
-        for (const QString& dataFolder : {folder, QString()}) {
-            services.boxes.clear();
-            CreateSymbolsDialog dialog;
-            dialog.show();
-            ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-            dialog.activateWindow();
-            dialog.closeButton->setFocus();
-            dialog.symbolsList->addItem(QStringLiteral("ABC"));
-            dialog.folderEdit->setText(dataFolder);
-            dialog.fromDateEdit->setText(QString::fromLatin1(typed));
-            dialog.createSymbolsButton->click();
-            ASSERT_EQ(services.boxes.size(), 1) << typed;
-            EXPECT_EQ(services.boxes[0].text + services.boxes[0].title, QStringLiteral("Invalid From Date") + Title);
-            EXPECT_EQ(services.boxes[0].icon, MsgIcon::Warning);
-            EXPECT_EQ(QApplication::focusWidget(), dialog.fromDateEdit) << typed;
-            EXPECT_NE(dialog.result(), QDialog::Accepted);
+        for (const QString& dataFolder : {temp.path(), QString()}) {
+            platform.boxes.clear();
+            auto dialog = shown<CreateSymbolsDialog>();
+            dialog->activateWindow();
+            dialog->closeButton->setFocus();
+            dialog->symbolsList->addItem("ABC");
+            dialog->folderEdit->setText(dataFolder);
+            dialog->fromDateEdit->setText(typed);
+            dialog->createSymbolsButton->click();
+            ASSERT_EQ(platform.boxes.size(), 1) << typed;
+            expectBox(0, "Invalid From Date", MsgIcon::Warning, "Brindlemark v6");
+            EXPECT_EQ(QApplication::focusWidget(), dialog->fromDateEdit) << typed;
+            EXPECT_NE(dialog->result(), QDialog::Accepted);
         }
     }
-    EXPECT_TRUE(services.chooserTitles.isEmpty());
-    EXPECT_TRUE(QDir(folder).isEmpty());
+    EXPECT_TRUE(platform.chooserTitles.isEmpty());
+    EXPECT_TRUE(QDir(temp.path()).isEmpty());
 }
 
 // An empty folder field opens the chooser, and Create Symbols has to be pressed again; the folder
 // button sets the field and LastFolder, and a cancelled chooser empties both.
 TEST_F(CreateNewSymbols, AnEmptyFolderOpensTheChooserAndACancelledChooserEmptiesTheField) {
-    const QString folder = temp.sub(QStringLiteral("chosen"));
     CreateSymbolsDialog dialog;
-    services.chooseNext(folder);
-    create(dialog, QStringLiteral("   "), {QStringLiteral("ABC")});
-    ASSERT_EQ(services.boxes.size(), 1);
-    EXPECT_EQ(services.boxes[0].text + services.boxes[0].title, QStringLiteral("Data Folder is Empty.") + Title);
-    EXPECT_EQ(services.boxes[0].icon, MsgIcon::Information);
-    EXPECT_EQ(services.chooserTitles, QStringList{ChooserTitle});
-    EXPECT_EQ(dialog.folderEdit->text(), folder);
-    EXPECT_EQ(sharedState().LastFolder, folder);
-    EXPECT_TRUE(QDir(folder).isEmpty());   // nothing is made until the user presses again
+    platform.chooseNext(temp.path());
+    create(dialog, "   ", {"ABC"});
+    ASSERT_EQ(platform.boxes.size(), 1);
+    expectBox(0, "Data Folder is Empty.", MsgIcon::Information, "Brindlemark v6");
+    EXPECT_EQ(platform.chooserTitles, QStringList{ChooserTitle});
+    EXPECT_EQ(dialog.folderEdit->text(), temp.path());
+    EXPECT_EQ(sharedState().LastFolder, temp.path());
+    EXPECT_TRUE(QDir(temp.path()).isEmpty());   // nothing is made until the user presses again
     dialog.createSymbolsButton->click();
-    EXPECT_EQ(services.boxTexts().last(), Success);
-    EXPECT_EQ(readStore(folder).value(0).symbol, QStringLiteral("ABC"));
+    EXPECT_EQ(platform.boxTexts().last(), Success);
+    EXPECT_EQ(stored(temp.path()), QStringList{"ABC ABC"});
 
     CreateSymbolsDialog again;
-    EXPECT_EQ(again.folderEdit->text(), folder);
+    EXPECT_EQ(again.folderEdit->text(), temp.path());
     again.selectFolderButton->click();   // the chooser is cancelled
-    EXPECT_EQ(services.chooserTitles, (QStringList{ChooserTitle, ChooserTitle}));
+    EXPECT_EQ(platform.chooserTitles, (QStringList{ChooserTitle, ChooserTitle}));
     EXPECT_EQ(again.folderEdit->text(), QString());
     EXPECT_EQ(sharedState().LastFolder, QString());
 }
@@ -186,67 +153,49 @@ TEST_F(CreateNewSymbols, AnEmptyFolderOpensTheChooserAndACancelledChooserEmpties
 // New Symbol adds only what was typed and confirmed, trimmed; Symbol Lookup adds SelectedSymbols,
 // also after Close, so that the picks of an earlier Select come in once more.
 TEST_F(CreateNewSymbols, TheListTakesTypedAndPickedSymbols) {
-    loadSymbolList(services, "NSE,INFY.NS,Infosys\nNSE,TCS.NS,Tata Consultancy\nNSE,WIPRO.NS,Wipro\n");
+    loadSymbolList(platform, "NSE,INFY.NS,Infosys\nNSE,TCS.NS,Tata Consultancy\nNSE,WIPRO.NS,Wipro\n");
     CreateSymbolsDialog dialog;
-    typeSymbol(dialog, QStringLiteral("AAA"));
-    typeSymbol(dialog, QStringLiteral("BBB"), /*ok=*/false);   // Close
+    typeSymbol(dialog, "AAA");
+    typeSymbol(dialog, "BBB", "closeButton");
     EXPECT_EQ(handOvers().NewSymbol, QString());
-    typeSymbol(dialog, QStringLiteral("    "));                // blank, OK
-    typeSymbol(dialog, QString());                             // empty, OK
-    typeSymbol(dialog, QStringLiteral("  ccc d "));
-    // The store takes 14 characters: a fifteenth can't be typed, blanks round the symbol aside.
-    typeSymbol(dialog, QStringLiteral(" FIFTEEN.CHARS.X "));
+    for (const char* typed : {"    ", "", "  ccc d ", " FIFTEEN.CHARS.X "})   // the store takes 14 characters
+        typeSymbol(dialog, typed);
     EXPECT_EQ(lines(dialog.symbolsList), (QStringList{"AAA", "ccc d", "FIFTEEN.CHARS."}));
     dialog.symbolsList->takeItem(2);
-    const auto lookup = [&](bool select) {
-        onNextModal([select](QWidget* shown) {
-            child<QListWidget>(shown, QStringLiteral("namesList"))->item(2)->setSelected(true);
-            child<QPushButton>(shown, select ? QStringLiteral("selectButton") : QStringLiteral("closeButton"))->click();
-        });
-        dialog.symbolLookupButton->click();
-        return lines(dialog.symbolsList);
-    };
-    EXPECT_EQ(lookup(false), (QStringList{"AAA", "ccc d"}));   // never selected: nothing is added
-    EXPECT_EQ(lookup(true), (QStringList{"AAA", "ccc d", "INFY.NS", "WIPRO.NS"}));   // line 0 was selected
-    EXPECT_EQ(lookup(false), (QStringList{"AAA", "ccc d", "INFY.NS", "WIPRO.NS", "INFY.NS", "WIPRO.NS"}));
+    EXPECT_EQ(lookUp(dialog, 2, "closeButton"), (QStringList{"AAA", "ccc d"}));   // never selected: nothing is added
+    EXPECT_EQ(lookUp(dialog, 2), (QStringList{"AAA", "ccc d", "INFY.NS", "WIPRO.NS"}));   // line 0 was selected
+    EXPECT_EQ(lookUp(dialog, 2, "closeButton"), (QStringList{"AAA", "ccc d", "INFY.NS", "WIPRO.NS", "INFY.NS", "WIPRO.NS"}));
 }
 
 TEST_F(CreateNewSymbols, AFailureHalfwayKeepsWhatWasMadeAndTheList) {
-    const QString folder = temp.sub(QStringLiteral("halfway"));
-    const QString tooLong = QStringLiteral("FIFTEEN.CHARS.X");   // the store takes 14 characters
-    loadSymbolList(services, "G," + tooLong.toUtf8() + ",Too long for the store\n");
+    loadSymbolList(platform, "G,FIFTEEN.CHARS.X,Too long for the store\n");   // the store takes 14 characters
     {
         CreateSymbolsDialog dialog;
-        typeSymbol(dialog, QStringLiteral("FIRST"));
-        onNextModal([](QWidget* shown) {   // a symbol of the list is taken as it stands
-            child<QListWidget>(shown, QStringLiteral("namesList"))->item(0)->setSelected(true);
-            child<QPushButton>(shown, QStringLiteral("selectButton"))->click();
-        });
-        dialog.symbolLookupButton->click();
-        create(dialog, folder, {QStringLiteral("THIRD")});
-        ASSERT_EQ(services.boxes.size(), 1);   // the store's description, no icon
-        EXPECT_TRUE(services.boxes[0].text.contains(tooLong) && services.boxes[0].icon == MsgIcon::None);
+        typeSymbol(dialog, "FIRST");
+        lookUp(dialog, 0);   // a symbol of the list is taken as it stands
+        create(dialog, temp.path(), {"THIRD"});
+        ASSERT_EQ(platform.boxes.size(), 1);   // the store's description, no icon
+        EXPECT_TRUE(platform.boxes[0].text.contains("FIFTEEN.CHARS.X") && platform.boxes[0].icon == MsgIcon::None);
         EXPECT_NE(dialog.result(), QDialog::Accepted);
         EXPECT_EQ(dialog.symbolsList->count(), 3);
-        EXPECT_FALSE(QFileInfo::exists(QDir(folder).filePath(QStringLiteral("values.dat"))));
+        EXPECT_FALSE(QFileInfo::exists(temp.file("values.dat")));
     }   // the dialog is gone, and its writer with it
-    EXPECT_EQ(readStore(folder), (QList<Stored>{{"FIRST", "FIRST", 20040101, 20040101, 0, 1}}));
+    EXPECT_EQ(stored(temp.path(), true), QStringList{"FIRST FIRST 20040101..20040101 0 1"});
 }
 
 TEST_F(CreateNewSymbols, TheDialogsStandInTheMiddleOfTheScreen) {
-    loadSymbolList(services, "NSE,A.NS,Alpha\n");
+    loadSymbolList(platform, "NSE,A.NS,Alpha\n");
     CreateSymbolsDialog create;
     NewSymbolDialog prompt;
     SymbolLookupDialog lookup;
     for (QDialog* dialog : std::initializer_list<QDialog*>{&create, &prompt, &lookup}) {
+        SCOPED_TRACE(dialog->objectName().toStdString());
         dialog->show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog));
         dialog->resize(dialog->width() + 40, dialog->height() + 20);   // the size event centres it again
         QApplication::processEvents();
-        const QRect screen = dialog->screen()->geometry();
-        const QRect frame = dialog->frameGeometry();
-        EXPECT_LE(std::abs(frame.center().x() - screen.center().x()), 1) << dialog->objectName().toStdString();
-        EXPECT_LE(std::abs(frame.center().y() - screen.center().y()), 1) << dialog->objectName().toStdString();
+        const QPoint off = dialog->frameGeometry().center() - dialog->screen()->geometry().center();
+        EXPECT_LE(std::max(std::abs(off.x()), std::abs(off.y())), 1);
     }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
-// Helpers for the tests of the data sheet and of Open Security: data folders made through the
-// store's own writer, records read back from disk, progress windows that record what they are
-// told (and can be cancelled), and the sheets standing open.
+// Helpers for the tests of the data sheet, the chart and the catalogue screens: data folders made
+// through the store's own writer, records read back from disk, progress windows that record what
+// they are told (and can be cancelled), and the sheets standing open.
 
 #include "sheet/SheetRows.h"
 #include "sheet/ui/DataSheetWindow.h"
@@ -21,9 +21,7 @@
 #include <vector>
 
 inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
-inline void PrintTo(const QStringList& texts, std::ostream* out) {
-    *out << '{' << texts.join(QStringLiteral("|")).toStdString() << '}';
-}
+inline void PrintTo(const QStringList& texts, std::ostream* out) { *out << '{' << texts.join('|').toStdString() << '}'; }
 
 namespace sheettest {
 
@@ -32,10 +30,7 @@ struct Rec {
     double open = 0, high = 0, low = 0, close = 0, volume = 0;
     bool operator==(const Rec&) const = default;
 };
-
-inline std::ostream& operator<<(std::ostream& out, const Rec& r) {
-    return out << r.date << ' ' << r.open << '/' << r.high << '/' << r.low << '/' << r.close << " v" << r.volume;
-}
+inline void PrintTo(const Rec& r, std::ostream* out) { *out << r.date << ' ' << r.open << '/' << r.high << '/' << r.low << '/' << r.close << " v" << r.volume; }
 
 // Adds a security with these records to `folder` (made a store when it is none yet).
 inline void makeSecurity(const QString& folder, const QString& symbol, const QString& name,
@@ -53,12 +48,9 @@ inline void makeSecurity(const QString& folder, const QString& symbol, const QSt
 // `count` daily records on working days from 2 January 2004 on.
 inline std::vector<Rec> series(int count, QDate day = QDate(2004, 1, 2)) {
     std::vector<Rec> records;
-    for (int i = 0; i < count; ++i, day = day.addDays(1)) {
-        while (day.dayOfWeek() > 5)
-            day = day.addDays(1);
+    for (int i = 0; i < count; ++i, day = day.addDays(day.dayOfWeek() == 5 ? 3 : 1)) {
         const double base = 100 + (i % 500) * 0.25;
-        records.push_back({day.year() * 10000 + day.month() * 100 + day.day(), base, base + 2, base - 1,
-                           base + 0.5, 1000.0 + i});
+        records.push_back({day.year() * 10000 + day.month() * 100 + day.day(), base, base + 2, base - 1, base + 0.5, 1000.0 + i});
     }
     return records;
 }
@@ -71,58 +63,56 @@ inline std::vector<Rec> readBack(const QString& folder, const QString& symbol) {
     std::vector<Rec> records;
     while (reader.GetRecordsRemaining() >= 1) {
         reader.NextRecord();
-        records.push_back({reader.GetDate(), reader.GetOpen(), reader.GetHigh(), reader.GetLow(),
-                           reader.GetClose(), reader.GetVolume()});
+        records.push_back({reader.GetDate(), reader.GetOpen(), reader.GetHigh(), reader.GetLow(), reader.GetClose(), reader.GetVolume()});
     }
     reader.CloseSecurity();
     reader.CloseFolder();
     return records;
 }
 
+inline std::vector<qint32> datesOf(const QString& folder, const QString& symbol) {
+    std::vector<qint32> dates;
+    for (const Rec& r : readBack(folder, symbol))
+        dates.push_back(r.date);
+    return dates;
+}
+
 // Progress windows that log what they are told ("Show", "SetRange 0 3", "StepIt", ..., "released")
 // and answer Cancelled once `cancelAfterSteps` steps have been made; installed while the object lives.
 struct ProgressRecorder {
-    struct Log {
-        QStringList calls;
-        int cancelAfterSteps = -1;
-    };
+    QStringList calls;
+    int cancelAfterSteps = -1;
     struct Window : ReadProgress {
-        std::shared_ptr<Log> log;
-        explicit Window(std::shared_ptr<Log> l) : log(std::move(l)) {}
-        ~Window() override { log->calls << QStringLiteral("released"); }
-        void Show() override { log->calls << QStringLiteral("Show"); }
-        void Hide() override { log->calls << QStringLiteral("Hide"); }
+        ProgressRecorder* log;
+        explicit Window(ProgressRecorder* l) : log(l) {}
+        ~Window() override { log->calls << "released"; }
+        void Show() override { log->calls << "Show"; }
+        void Hide() override { log->calls << "Hide"; }
         void SetRange(qint32 low, qint32 high) override { log->calls << QStringLiteral("SetRange %1 %2").arg(low).arg(high); }
-        void SetCaption(const QString& text) override { log->calls << QStringLiteral("SetCaption ") + text; }
-        void SetMessage(const QString& text) override { log->calls << QStringLiteral("SetMessage ") + text; }
+        void SetCaption(const QString& text) override { log->calls << "SetCaption " + text; }
+        void SetMessage(const QString& text) override { log->calls << "SetMessage " + text; }
         void SetStep(qint32 step) override { log->calls << QStringLiteral("SetStep %1").arg(step); }
-        void StepIt() override { log->calls << QStringLiteral("StepIt"); }
-        bool GetCancelled() const override {
-            return log->cancelAfterSteps >= 0 && log->calls.count(QStringLiteral("StepIt")) >= log->cancelAfterSteps;
-        }
+        void StepIt() override { log->calls << "StepIt"; }
+        bool GetCancelled() const override { return log->cancelAfterSteps >= 0 && log->calls.count("StepIt") >= log->cancelAfterSteps; }
     };
-    std::shared_ptr<Log> log = std::make_shared<Log>();
-    ProgressRecorder() { ReadProgress::setFactory([l = log] { return std::make_unique<Window>(l); }); }
+    ProgressRecorder() { ReadProgress::setFactory([this] { return std::make_unique<Window>(this); }); }
     ~ProgressRecorder() { ReadProgress::setFactory({}); }
 };
 
-// The data sheets standing as windows, in no particular order.
-inline QList<DataSheetWindow*> openSheets() {
-    QList<DataSheetWindow*> sheets;
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (auto sheet = qobject_cast<DataSheetWindow*>(w); sheet && sheet->isVisible())
-            sheets.append(sheet);
-    return sheets;
-}
+// What a full load of three records tells its progress window.
+inline const QStringList LoadOfThree = {"Show", "SetRange 0 3", "SetStep 1", "SetCaption Read Security data...",
+                                        "SetMessage Progress....", "StepIt", "StepIt", "StepIt", "released"};
 
-// Closes the sheets a test left open (they delete themselves on close).
-struct SheetCleanup {
-    ~SheetCleanup() {
-        for (DataSheetWindow* sheet : openSheets())
-            sheet->close();
-        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-};
+// The windows of a type standing shown, in no particular order.
+template <typename W>
+QList<W*> shownWindows() {
+    QList<W*> found;
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (auto window = qobject_cast<W*>(w); window && window->isVisible())
+            found.append(window);
+    return found;
+}
+inline QList<DataSheetWindow*> openSheets() { return shownWindows<DataSheetWindow>(); }
 
 // A sheet loaded and shown as Open Security leaves it.
 inline std::unique_ptr<DataSheetWindow> loadedSheet(const QString& folder, const QString& symbol, const QString& name) {
@@ -130,7 +120,6 @@ inline std::unique_ptr<DataSheetWindow> loadedSheet(const QString& folder, const
     view->path = folder;
     view->securityName = name;
     view->Symbol = symbol;
-    view->setWindowTitle(QStringLiteral("DataSheet of ") + name);
     view->load();
     view->show();
     QApplication::processEvents();
@@ -145,22 +134,26 @@ inline QStringList cells(const DataSheetWindow& view, int row) {
     return out;
 }
 
-// What every test of a sheet or of Open Security stands on: the scripted platform, a folder of
+// What every test of a sheet or a catalogue screen stands on: the scripted platform, a folder of
 // its own, recording progress windows, and no sheet left standing afterwards.
 class SheetFixture : public ::testing::Test {
 protected:
     ScriptedPlatform platform;
     TempFolder temp;
     ProgressRecorder progress;
-    SheetCleanup cleanup;
+    struct Cleanup {   // closes the sheets a test left open (they delete themselves on close)
+        ~Cleanup() {
+            for (DataSheetWindow* sheet : openSheets())
+                sheet->close();
+            QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+    } cleanup;
 
     // Box i as shown; a null text stands for the store's own description, which isn't empty.
-    void expectBox(int i, const QString& text, MsgIcon icon, const QString& title = QStringLiteral("Marrowfin")) {
+    void expectBox(int i, const QString& text, MsgIcon icon, const QString& title = "Marrowfin") {
         ASSERT_GT(platform.boxes.size(), i) << platform.boxTexts().join('|').toStdString();
-        if (text.isNull())
-            EXPECT_FALSE(platform.boxes[i].text.isEmpty());
-        else
-            EXPECT_EQ(platform.boxes[i].text, text);
+        EXPECT_EQ(text.isNull() ? QString() : platform.boxes[i].text, text);
+        EXPECT_FALSE(platform.boxes[i].text.isEmpty());
         EXPECT_EQ(platform.boxes[i].icon, icon);
         EXPECT_EQ(platform.boxes[i].title, title);
     }
