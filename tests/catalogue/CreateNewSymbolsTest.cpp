@@ -99,8 +99,9 @@ TEST_F(CreateNewSymbols, ValuesDatHoldsTheFromDateDayFirstInEveryLocale) {
         create(dialog, " " + folder.path(), c.typed ? QStringList{"ABC"} : QStringList(), c.typed ? QString(c.typed) : dialog.fromDateEdit->text());
         ASSERT_EQ(platform.boxTexts(), QStringList{Success});
         EXPECT_EQ(valuesDat(folder.path()), c.file);
-        if (c.typed)
+        if (c.typed) {
             EXPECT_EQ(stored(folder.path(), true).value(0).section(' ', 2, 2), "20040102..20040102");
+        }
     }
 }
 
