@@ -1,6 +1,5 @@
 // brindlemark-cli's unattended World Exchanges download, run in-process against the loopback
 // quotes service (today is 23 November 2026 on the scripted platform).
-#include "Cli.h"
 #include "DownloadCommands.h"
 #include "DownloadTestKit.h"
 
@@ -11,14 +10,10 @@ namespace {
 class CliDownload : public DownloadTest {
 protected:
     int run(const QStringList& arguments) {
-        QString outText, errText;
-        QTextStream out(&outText), err(&errText);
-        const int status = runCli(arguments, out, err);
-        out.flush();
-        err.flush();
-        stdoutLines = outText.split(u'\n', Qt::SkipEmptyParts);
-        stderrText = errText;
-        return status;
+        const CliRun r = cli(arguments);
+        stdoutLines = r.out;
+        stderrText = r.err;
+        return r.status;
     }
     QStringList stdoutLines;
     QString stderrText;

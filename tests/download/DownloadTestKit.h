@@ -2,6 +2,8 @@
 // Shared pieces of the download tests: securities written and read back through the store, the
 // quotes service on the loopback server, and the Download Progress window waited for.
 
+#include "Cli.h"
+#include "catalogue/CreateSymbols.h"
 #include "download/Inet.h"
 #include "download/ServiceAddresses.h"
 #include "download/DailyQuotes.h"
@@ -13,6 +15,7 @@
 #include "support/TestSupport.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QListWidget>
 #include <QMap>
 #include <QPushButton>
@@ -73,6 +76,34 @@ inline QList<StoredBar> storedBars(const QString& folder, const QString& symbol)
     reader.CloseSecurity();
     reader.CloseFolder();
     return bars;
+}
+
+// A reply kept beside the repository; empty when it is not there.
+inline QByteArray serviceFixture(const QString& name) {
+    QFile file(QStringLiteral(BM_FIXTURES_DIR "/services/") + name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// Securities and values.dat as Create New Symbols leaves them.
+inline void createSymbols(const QString& folder, const QStringList& symbols, const QDate& from) {
+    SecurityWriter writer;
+    CreateSymbols::CreateSecurities(writer, folder, symbols, from);
+    CreateSymbols::WriteValuesFile(folder, from);
+}
+
+// brindlemark-cli run in-process: its exit status, the lines of standard output, standard error.
+struct CliRun {
+    int status;
+    QStringList out;
+    QString err;
+};
+inline CliRun cli(const QStringList& arguments) {
+    QString outText, errText;
+    QTextStream out(&outText), err(&errText);
+    const int status = runCli(arguments, out, err);
+    out.flush();
+    err.flush();
+    return {status, outText.split(u'\n', Qt::SkipEmptyParts), errText};
 }
 
 // A message box as the test expects it: information style.

@@ -1,10 +1,8 @@
 // The NSE Downloader against a loopback stand-in for the exchange's archive: walks over real
 // folders made as Create New Symbols makes them, read back through the store.
 
-#include "Cli.h"
 #include "DownloadTestKit.h"
 
-#include "catalogue/CreateSymbols.h"
 #include "download/ui/NseDownloaderDialog.h"
 #include "frame/Regional.h"
 
@@ -44,10 +42,7 @@ QString path(const QDate& d) {
 }
 
 QStringList paths(const QDate& first, const QDate& last) {
-    QStringList out;
-    for (QDate d = first; d <= last; d = d.addDays(1))
-        out << path(d);
-    return out;
+    return first > last ? QStringList() : paths(first.addDays(1), last).prepend(path(first));
 }
 
 // Whole-number prices read alike under every locale.
@@ -68,12 +63,7 @@ protected:
         });
     }
 
-    // Securities and values.dat as Create New Symbols leaves them.
-    void createSymbols(const QStringList& symbols, const QDate& from) {
-        SecurityWriter writer;
-        CreateSymbols::CreateSecurities(writer, folder, symbols, from);
-        CreateSymbols::WriteValuesFile(folder, from);
-    }
+    void createSymbols(const QStringList& symbols, const QDate& from) { ::createSymbols(folder, symbols, from); }
     void serveDay(const QDate& day, const QByteArray& rows) { days[path(day)] = LoopbackReply::ok(bhavCopy(rows)); }
     QByteArray valuesFile() const { return readFileBytes(CreateSymbols::ValuesFilePath(folder)); }
     static QByteArray valuesText(const QDate& d) { return (Regional::dateText(d) + "\r\n").toUtf8(); }
@@ -350,38 +340,27 @@ TEST_F(NseRun, FolderChooserAndProgressBar) {
     EXPECT_EQ(dlg.progressBar->value(), 1);
 }
 
-} // namespace
-
-namespace {
-
 // brindlemark-cli download bhavcopy: the same walk without a screen, bounded by --from and --to.
 TEST_F(NseRun, CommandLineWalksBetweenTheDaysGivenAndKeepsValuesAsTheScreenDoes) {
-    const auto cli = [](const QStringList& arguments, QStringList& lines) {
-        QString outText, errText;
-        QTextStream out(&outText), err(&errText);
-        const int status = runCli(arguments, out, err);
-        out.flush();
-        lines = outText.split(u'\n', Qt::SkipEmptyParts);
-        return status;
-    };
     createSymbols({"ABC", "XYZ"}, {2026, 11, 2});
     serveDay({2026, 11, 3}, bhavRow("ABC", whole(0, 10, 1500)));
     serveDay({2026, 11, 5}, bhavRow("XYZ", whole(0, 20, 700)));
-    QStringList lines;
-    ASSERT_EQ(cli({"download", "bhavcopy", folder, "--to", "20261104"}, lines), 0);
-    EXPECT_EQ(lines, (QStringList{updated({2026, 11, 3}), "1 days with data"}));
+    CliRun r = cli({"download", "bhavcopy", folder, "--to", "20261104"});
+    ASSERT_EQ(r.status, 0);
+    EXPECT_EQ(r.out, (QStringList{updated({2026, 11, 3}), "1 days with data"}));
     EXPECT_EQ(server.targets.size(), 2);
     EXPECT_EQ(valuesFile(), valuesText({2026, 11, 3}));
     EXPECT_EQ(storedBars(folder, "ABC"), (QList<StoredBar>{whole(20261103, 10, 1500)}));
 
-    ASSERT_EQ(cli({"download", "bhavcopy", folder, "--from", "20261105", "--to", "20261105"}, lines), 0);
-    EXPECT_EQ(lines, (QStringList{updated({2026, 11, 5}), "1 days with data"}));
+    r = cli({"download", "bhavcopy", folder, "--from", "20261105", "--to", "20261105"});
+    ASSERT_EQ(r.status, 0);
+    EXPECT_EQ(r.out, (QStringList{updated({2026, 11, 5}), "1 days with data"}));
     EXPECT_EQ(valuesFile(), valuesText({2026, 11, 5}));
     EXPECT_EQ(storedBars(folder, "XYZ"), (QList<StoredBar>{whole(20261105, 20, 700)}));
 
-    EXPECT_EQ(cli({"download", "bhavcopy"}, lines), 2);
-    EXPECT_EQ(cli({"download", "bhavcopy", folder, "--from", "2026"}, lines), 2);
-    EXPECT_EQ(cli({"download", "bhavcopy", temp.path() + "/no-store"}, lines), 1);
+    EXPECT_EQ(cli({"download", "bhavcopy"}).status, 2);
+    EXPECT_EQ(cli({"download", "bhavcopy", folder, "--from", "2026"}).status, 2);
+    EXPECT_EQ(cli({"download", "bhavcopy", temp.path() + "/no-store"}).status, 1);
 }
 
 } // namespace
