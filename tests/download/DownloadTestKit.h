@@ -148,3 +148,22 @@ protected:
     LoopbackHttpServer server;
     QMap<QString, LoopbackReply> replies;
 };
+
+// The exchange's daily files on the loopback server: each target gets its entry of `days`, or the
+// server's short error page; `onRequest` sees each target first. `source` goes before the address.
+class NseDaysTest : public DownloadTest {
+protected:
+    explicit NseDaysTest(const QString& source = {}) {
+        platform_.settings["Sources/Bhavcopy"] = source + server.endpoint();
+        server.setHandler([this](const QByteArray& target) {
+            if (onRequest)
+                onRequest(QString::fromLatin1(target));
+            return days.value(QString::fromLatin1(target), LoopbackReply::withStatus(404, "<html><body>Not Found</body></html>"));
+        });
+    }
+    void createSymbols(const QStringList& symbols, const QDate& from) { ::createSymbols(folder, symbols, from); }
+
+    QString folder = temp.sub("nse");
+    QMap<QString, LoopbackReply> days;
+    std::function<void(const QString&)> onRequest;
+};

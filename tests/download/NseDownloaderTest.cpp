@@ -50,20 +50,8 @@ StoredBar whole(qint32 date, double price, double volume) { return {date, price,
 
 QString updated(const QDate& d) { return Regional::dateText(d) + " Updated."; }
 
-class NseRun : public ::testing::Test {
+class NseRun : public NseDaysTest {
 protected:
-    NseRun() {
-        platform_.settings["Sources/Bhavcopy"] = server.endpoint();
-        server.setHandler([this](const QByteArray& target) {
-            const QString decoded = QString::fromLatin1(target);
-            if (onRequest)
-                onRequest(decoded);
-            // Weekends, holidays and days not yet there: the server's short error page.
-            return days.value(decoded, LoopbackReply::withStatus(404, "<html><body>Not Found</body></html>"));
-        });
-    }
-
-    void createSymbols(const QStringList& symbols, const QDate& from) { ::createSymbols(folder, symbols, from); }
     void serveDay(const QDate& day, const QByteArray& rows) { days[path(day)] = LoopbackReply::ok(bhavCopy(rows)); }
     QByteArray valuesFile() const { return readFileBytes(CreateSymbols::ValuesFilePath(folder)); }
     static QByteArray valuesText(const QDate& d) { return (Regional::dateText(d) + "\r\n").toUtf8(); }
@@ -74,13 +62,6 @@ protected:
         EXPECT_TRUE(dlg.stopButton->isHidden());
         EXPECT_FALSE(dlg.progressTimer->isActive());
     }
-
-    ScriptedPlatform platform_;
-    TempFolder temp;
-    QString folder = temp.sub("nse");
-    LoopbackHttpServer server;
-    QMap<QString, LoopbackReply> days;
-    std::function<void(const QString&)> onRequest;
 };
 
 // A month with weekends and a few days of data; values.dat in each locale's own short form is

@@ -3,7 +3,6 @@
 #include "DownloadTestKit.h"
 #include "ZipTestKit.h"
 
-#include "catalogue/CreateSymbols.h"
 #include "download/TodayBhavCopy.h"
 #include "frame/Failure.h"
 #include "download/ZipEngine.h"
@@ -14,10 +13,6 @@
 
 namespace {
 
-QByteArray fixture(const QString& name) {
-    QFile file(QStringLiteral(BM_FIXTURES_DIR "/services/") + name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 QByteArray zipped(const QByteArray& csv, const QByteArray& name = "day.csv") { return makeArchive({ZipEntry::file(name, csv)}); }
 
 // The new form with its columns in another order than the exchange's, among others, CRLF line ends.
@@ -34,7 +29,7 @@ TEST(TodayBhavCopyRead, TheExchangesFilesInBothFormsOneRowPerSymbol) {
         {"cm01JUL2024bhav.csv", {"RELIANCE", "SBIN", "ABCINFRA", "M&M"}, {"SBIN", true, 842.00, 848.90, 838.00, 845.35, 9876543}},
     };
     for (const auto& c : cases) {
-        const QByteArray csv = fixture(c.file);
+        const QByteArray csv = serviceFixture(c.file);
         if (csv.isEmpty())
             GTEST_SKIP() << c.file << " not found beside the repository";
         const auto rows = TodayBhavCopy::ReadArchive(zipped(csv, c.file));
@@ -91,21 +86,9 @@ TEST(TodayBhavCopyRead, TheMemberIsCappedInMemory) {
     EXPECT_FALSE(FirstMemberBytes(lying, 100000));
 }
 
-class TodayNseRun : public DownloadTest {
+class TodayNseRun : public NseDaysTest {
 protected:
-    TodayNseRun() {
-        platform_.settings["Sources/Bhavcopy"] = "today@" + server.endpoint();
-        server.setHandler([this](const QByteArray& target) {
-            return days.value(QString::fromLatin1(target), LoopbackReply::withStatus(404, "<html><body>Not Found</body></html>"));
-        });
-    }
-    void createSymbols(const QStringList& symbols, const QDate& from) {
-        SecurityWriter writer;
-        CreateSymbols::CreateSecurities(writer, folder, symbols, from);
-        CreateSymbols::WriteValuesFile(folder, from);
-    }
-    QString folder = temp.sub("nse");
-    QMap<QString, LoopbackReply> days;
+    TodayNseRun() : NseDaysTest("today@") {}
 };
 
 // A Friday in the older form, a weekend, the Monday the new form began, and a captive portal's
