@@ -24,11 +24,7 @@ protected:
 };
 
 TEST_F(QuotesFetcher, AsksForTheSymbolWithTheLastDateFirstAndMonthsFromZero) {
-    const struct {
-        QString symbol;
-        QDate first, last;
-        QString target;
-    } cases[] = {
+    const struct { QString symbol; QDate first, last; QString target; } cases[] = {
         {"ABC", {2005, 7, 1}, {2005, 8, 5}, "/table.csv?s=ABC&d=7&e=5&f=2005&g=d&a=6&b=1&c=2005&ignore=.csv"},
         {"  IBM ", {2004, 1, 31}, {2004, 12, 1}, "/table.csv?s=IBM&d=11&e=1&f=2004&g=d&a=0&b=31&c=2004&ignore=.csv"},
         {"^GSPC", {1999, 12, 27}, {2000, 1, 2}, "/table.csv?s=^GSPC&d=0&e=2&f=2000&g=d&a=11&b=27&c=1999&ignore=.csv"},
@@ -43,13 +39,7 @@ TEST_F(QuotesFetcher, AsksForTheSymbolWithTheLastDateFirstAndMonthsFromZero) {
 TEST_F(QuotesFetcher, ShapeTestAndRowWalk) {
     const QByteArray r1 = "2005-08-05,10,11,9,10.5,100,10.5\n";
     const QByteArray r2 = "2005-08-04,20,21,19,20.5,200,20.5\n";
-    const struct {
-        const char* what;
-        QByteArray body;
-        int error;
-        int rows;   // upper bound of Quotes when Error is 0
-        int status = 200;
-    } cases[] = {
+    const struct { const char* what; QByteArray body; int error; int rows; int status = 200; } cases[] = {
         {"empty reply", "", 2, 0},
         {"header alone", Header, 2, 0},
         {"header and one row", Header + r1, 0, 1},

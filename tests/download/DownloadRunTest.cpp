@@ -104,12 +104,7 @@ TEST_F(DownloadRunScreen, UpToDateDownloadedNoDataAndNoConnection) {
 }
 
 TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
-    const struct {
-        const char* what;
-        QStringList symbols;
-        bool closeBox;
-        QString caption;
-    } cases[] = {
+    const struct { const char* what; QStringList symbols; bool closeBox; QString caption; } cases[] = {
         {"Cancel during the first of three", {"A", "B", "C"}, false, "1 of 3 Completed. / "},
         {"Cancel during the last item", {"D"}, false, "1 of 1 Completed. / "},
         {"the close box during the first of two", {"E", "F"}, true, "1 of 2 Completed. / "},

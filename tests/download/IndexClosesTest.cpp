@@ -72,11 +72,7 @@ TEST(IndexCloses, ColumnsByNameNumbersWithADecimalPointUnderEveryLocaleAndNoEmpt
 }
 
 TEST(IndexCloses, SymbolsFromNamesAtMost14AndUniqueInTheFolder) {
-    const struct {
-        const char* name;
-        QSet<QString> taken;
-        const char* symbol;
-    } cases[] = {
+    const struct { const char* name; QSet<QString> taken; const char* symbol; } cases[] = {
         {"Nifty 50", {}, "NIFTY50"},
         {"Nifty 10 yr Benchmark G-Sec", {}, "NIFTY10YRBENCH"},
         {"Nifty 10 yr Benchmark G-Sec (Clean Price)", {"NIFTY10YRBENCH"}, "NIFTY10YRBENC2"},

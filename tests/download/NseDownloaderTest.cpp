@@ -233,13 +233,7 @@ TEST_F(NseRun, RunsThatFetchNothing) {
 // The one day that has data decides whether values.dat moves: only rows handed to the writer count.
 TEST_F(NseRun, WhatCountsAsADayWithDataAndAsAWrittenRow) {
     const QByteArray abc = BhavHeader + bhavRow("ABC", bar(0, 7));
-    const struct {
-        const char* what;
-        QByteArray reply;
-        bool listed;
-        bool rewritten;
-        int abcRecords;
-    } cases[] = {
+    const struct { const char* what; QByteArray reply; bool listed; bool rewritten; int abcRecords; } cases[] = {
         {"2,000 characters", filler(abc, 2000).left(2000), false, false, 0},
         {"2,001 characters", filler(abc, 2000).left(2000) + "x", true, true, 1},
         {"2,001 characters of anything else", QByteArray(2001, 'x'), true, false, 0},

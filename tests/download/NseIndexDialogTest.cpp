@@ -119,13 +119,7 @@ TEST_F(IndexScreen, ASecondRunOverwritesWithoutAskingAndAShorterArchiveLeavesNoT
     EXPECT_EQ(readFileBytes(IndexDownload::ArchivePath()), shorter);
 }
 
-struct FailedRun {
-    const char* label;
-    LoopbackReply reply;
-    bool deadServer;
-    bool completes;        // the run ends with "Download Complete." and the screen closes
-    const char* boxSays;   // otherwise: part of the failure box's text
-};
+struct FailedRun { const char* label; LoopbackReply reply; bool deadServer; bool completes; const char* boxSays; };
 
 class IndexScreenFailures : public IndexScreen, public ::testing::WithParamInterface<FailedRun> {};
 

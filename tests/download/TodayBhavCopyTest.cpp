@@ -19,11 +19,7 @@ QByteArray zipped(const QByteArray& csv, const QByteArray& name = "day.csv") { r
 const QByteArray Shuffled = "SctySrs,TckrSymb,Rmks,TtlTradgVol,ClsPric,LwPric,HghPric,OpnPric,FinInstrmNm\r\n";
 
 TEST(TodayBhavCopyRead, TheExchangesFilesInBothFormsOneRowPerSymbol) {
-    const struct {
-        const char* file;
-        QStringList symbols;
-        BhavRow sbin;
-    } cases[] = {
+    const struct { const char* file; QStringList symbols; BhavRow sbin; } cases[] = {
         {"BhavCopy_NSE_CM_0_0_0_20241104_F_0000.csv", {"RELIANCE", "SBIN", "ABCINFRA", "XYZFIN", "M&M"},
          {"SBIN", true, 820.00, 828.40, 812.15, 818.95, 11234567}},
         {"cm01JUL2024bhav.csv", {"RELIANCE", "SBIN", "ABCINFRA", "M&M"}, {"SBIN", true, 842.00, 848.90, 838.00, 845.35, 9876543}},
@@ -48,11 +44,7 @@ TEST(TodayBhavCopyRead, RepliesThatHoldNoDayAndLinesThatGiveNoRow) {
     const QByteArray good = Shuffled + "EQ,ABC,,100,2,1,3,1.5,A\r\n";
     QByteArray crcBroken = makeArchive({[&] { ZipEntry e = ZipEntry::file("d.csv", good); e.store = true; return e; }()});
     crcBroken[crcBroken.indexOf("ABC")] = 'X';
-    const struct {
-        const char* what;
-        QByteArray archive;
-        QStringList symbols;   // empty: no data
-    } cases[] = {
+    const struct { const char* what; QByteArray archive; QStringList symbols; } cases[] = {
         {"HTML in the archive", zipped("<html><body>Access Denied</body></html>"), {}},
         {"an empty member", zipped(""), {}},
         {"a header only", zipped(Shuffled), {}},

@@ -12,10 +12,7 @@
 namespace {
 
 // A chart reply with the given sessions; null where a value is std::nullopt.
-struct Session {
-    qint64 time;
-    QByteArray open = "1", high = "2", low = "0.5", close = "1.5", volume = "100";
-};
+struct Session { qint64 time; QByteArray open = "1", high = "2", low = "0.5", close = "1.5", volume = "100"; };
 QByteArray chart(const QList<Session>& sessions, const QByteArray& meta = R"("gmtoffset":19800,"exchangeTimezoneName":"Asia/Kolkata")") {
     QByteArray t, o, h, l, c, v;
     for (const Session& s : sessions) {
@@ -58,11 +55,7 @@ protected:
 
 TEST(Sources, SettingValuesChooseProtocolAndHost) {
     const QString home = "https://query2.finance.yahoo.com";
-    const struct {
-        QString value;
-        bool today;
-        QString address;
-    } cases[] = {
+    const struct { QString value; bool today; QString address; } cases[] = {
         {"", true, home},
         {"today", true, home},
         {"  Today ", true, home},
@@ -78,30 +71,6 @@ TEST(Sources, SettingValuesChooseProtocolAndHost) {
         EXPECT_EQ(source.today, c.today) << c.value.toStdString();
         EXPECT_EQ(source.address, c.address) << c.value.toStdString();
     }
-}
-
-TEST(Sources, ReadFromTheSourcesSectionTodayWhenMissing) {
-    ScriptedPlatform platform;
-    EXPECT_EQ(ServiceAddresses::bhavcopySource().address, "https://nsearchives.nseindia.com");
-    EXPECT_TRUE(ServiceAddresses::quotesSource().today && ServiceAddresses::indexArchiveSource().today);
-
-    platform.settings["Sources/Quotes"] = "http://mirror.example:81";
-    platform.settings["Sources/Bhavcopy"] = "today@http://127.0.0.1:9000";
-    platform.settings["Sources/IndexArchive"] = "http://archive.example";
-    EXPECT_FALSE(ServiceAddresses::quotesSource().today);
-    EXPECT_EQ(ServiceAddresses::yahooQuotes(), "http://mirror.example:81");
-    EXPECT_EQ(ServiceAddresses::bhavcopySource().address, "http://127.0.0.1:9000");
-    EXPECT_TRUE(ServiceAddresses::bhavcopySource().today);
-    EXPECT_FALSE(ServiceAddresses::indexArchiveSource().today);
-}
-
-// With the setting naming an endpoint, the older table request goes out as it always did.
-TEST_F(TodaySource, AnEndpointSettingKeepsTheTableProtocol) {
-    platform_.settings["Sources/Quotes"] = server.endpoint();
-    server.serve(LoopbackReply::ok(Header + "2005-08-05,10,11,9,10.5,100,10.5\n"));
-    dq.DownloadDailyQuotes("ABC", QDate(2005, 7, 1), QDate(2005, 8, 5));
-    EXPECT_EQ(dq.Error, 0);
-    EXPECT_EQ(server.decodedTargets().value(0), "/table.csv?s=ABC&d=7&e=5&f=2005&g=d&a=6&b=1&c=2005&ignore=.csv");
 }
 
 TEST_F(TodaySource, AsksForTheChartWithABrowserAgent) {
@@ -132,10 +101,7 @@ TEST_F(TodaySource, TheServicesReplyNullsSkippedAndTheLiveBarKept) {
 }
 
 TEST_F(TodaySource, RepliesWithoutBarsAreNoData) {
-    const struct {
-        const char* what;
-        LoopbackReply reply;
-    } cases[] = {
+    const struct { const char* what; LoopbackReply reply; } cases[] = {
         {"no timestamps", LoopbackReply::ok(serviceFixture("yahoo-chart-no-rows.json"))},
         {"unknown symbol", LoopbackReply::withStatus(404, serviceFixture("yahoo-chart-404.json"))},
         {"a captive portal's page", LoopbackReply::ok("<html><body>Sign in to the network</body></html>")},
@@ -176,10 +142,7 @@ TEST_F(TodaySource, TooManyRequestsIsTriedAgainAtMostThreeTimes) {
 }
 
 TEST(RetryPause, FromRetryAfterElseGrowing) {
-    const struct {
-        QByteArray retryAfter;
-        int attempt, ms;
-    } cases[] = {
+    const struct { QByteArray retryAfter; int attempt, ms; } cases[] = {
         {"0", 1, 0},
         {"7", 1, 7000},
         {" 3 ", 2, 3000},
@@ -216,11 +179,7 @@ TEST_F(TodaySource, HttpsWithATrustedCertificateOnly) {
 
 TEST(ChartReplyReading, SessionsTheReaderKeepsOrLeaves) {
     const qint64 nov4 = kolkataMorning(4), nov5 = kolkataMorning(5);
-    const struct {
-        const char* what;
-        QByteArray body;
-        QStringList dates;
-    } cases[] = {
+    const struct { const char* what; QByteArray body; QStringList dates; } cases[] = {
         {"a null anywhere drops only that session", chart({{nov4, "1", "2", "0.5", "1.5", "null"}, {nov5}}), {"2024-11-05"}},
         {"text where a number belongs", chart({{nov4, "\"1.5\""}, {nov5}}), {"2024-11-05"}},
         {"the later of one date wins", chart({{nov4, "1"}, {nov4 + 3600, "9"}}), {"2024-11-04"}},
