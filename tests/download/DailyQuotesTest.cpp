@@ -75,18 +75,13 @@ TEST_F(QuotesFetcher, RowsKeepTheirLineNumbersAndEveryField) {
               0);
     ASSERT_EQ(handOvers().Quotes.upperBound(), 5);
     EXPECT_EQ(quote(1).Dat, "2005-08-05");
-    EXPECT_DOUBLE_EQ(quote(1).OpenPrice, 25.5);
-    EXPECT_DOUBLE_EQ(quote(1).High, 26.75);
-    EXPECT_DOUBLE_EQ(quote(1).Low, 25.125);
-    EXPECT_DOUBLE_EQ(quote(1).ClosePrice, 26.0);
+    EXPECT_EQ(QList<double>({quote(1).OpenPrice, quote(1).High, quote(1).Low, quote(1).ClosePrice}), QList<double>({25.5, 26.75, 25.125, 26}));
     // A High that is no number leaves its index empty; index 0 is never filled.
     for (int empty : {0, 2, 3})
         EXPECT_TRUE(quote(empty).Dat.isEmpty()) << empty;
     EXPECT_EQ(quote(4).Dat, "2005-08-02");
     // Volumes round half to even.
-    EXPECT_EQ(quote(1).Volume, 2);
-    EXPECT_EQ(quote(4).Volume, 4);
-    EXPECT_EQ(quote(5).Volume, -2);
+    EXPECT_EQ(QList<qint64>({quote(1).Volume, quote(4).Volume, quote(5).Volume}), QList<qint64>({2, 4, -2}));
 
     // Nothing of this reply stays behind in the gaps of the next.
     ASSERT_EQ(fetch(Header + "2005-09-05,10,x,9,10.5,100,10.5\n2005-09-04,20,21,19,20.5,200,20.5\n"), 0);
