@@ -4,7 +4,6 @@
 #include "ZipTestKit.h"
 
 #include "download/TodayBhavCopy.h"
-#include "frame/Failure.h"
 #include "download/ZipEngine.h"
 #include "download/ui/NseDownloaderDialog.h"
 #include "frame/Regional.h"
@@ -147,23 +146,6 @@ TEST_F(TodayNseRun, ADayNotFetchedIsAskedForAgain) {
     dlg.beginDownloadButton->click();
     EXPECT_EQ(server.targets.first(), "/content/cm/BhavCopy_NSE_CM_0_0_0_20241102_F_0000.csv.zip");
     EXPECT_EQ(storedBars(folder, "ABC").size(), 2);
-}
-
-// Today's protocol over HTTPS: certificate checks stay on, a failed transfer ends the walk.
-TEST_F(TodayNseRun, HttpsWithATrustedCertificateOnly) {
-    if (!LoopbackHttpServer::httpsAvailable())
-        GTEST_SKIP() << "no TLS in Qt or no openssl command to make a test certificate";
-    LoopbackHttpServer secure(LoopbackHttpServer::Scheme::Https);
-    secure.serve(LoopbackReply::ok(zipped(Shuffled + "EQ,ABC,,100,2,1,3,1.5,A\r\n")));
-    Inet inet;
-    TodayBhavCopy source(inet, secure.endpoint());
-    EXPECT_THROW(source.FetchDay({2024, 11, 4}), Failure);
-    TrustedLoopbackCertificate trust;
-    Inet fresh;
-    TodayBhavCopy trusting(fresh, secure.endpoint());
-    const auto rows = trusting.FetchDay({2024, 11, 4});
-    ASSERT_TRUE(rows);
-    EXPECT_EQ(rows->value(0).Close, 2);
 }
 
 } // namespace
