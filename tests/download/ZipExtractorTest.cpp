@@ -11,8 +11,6 @@
 #include <QRegularExpression>
 #include <QStorageInfo>
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 
 namespace {
@@ -50,18 +48,14 @@ TEST_F(Unzipping, DefaultsExtractEverythingSilentlyAndOverwriteWithoutAsking) {
     EXPECT_TRUE(platform.boxes.isEmpty());
     EXPECT_EQ(ZipExtractor::GetLastMessage(), QString());
     EXPECT_EQ(tree(target), (QStringList{"data", "data/deep", "data/deep/x.dat", "top.txt"}));
-}
-
-TEST_F(Unzipping, ArgumentsAreStoredAndEmptyOnesKeepTheEarlierValues) {
-    const QString path = archive({ZipEntry::file("a.txt", "A")});
-    ZipExtractor zip;
-    zip.setZipFileName(path);
-    zip.setExtractDir(target);
-    EXPECT_EQ(zip.Unzip(), 0);
-    EXPECT_EQ(read("a.txt"), "A");
-    const QString other = root.sub("other");
-    EXPECT_EQ(zip.Unzip({}, other), 0);
-    EXPECT_EQ(readFileBytes(QDir(other).filePath("a.txt")), "A");
+    // The names given before stand in for empty arguments.
+    ZipExtractor stored;
+    stored.setZipFileName(path);
+    stored.setExtractDir(root.sub("other"));
+    EXPECT_EQ(stored.Unzip(), 0);
+    EXPECT_EQ(stored.Unzip({}, root.sub("again")), 0);
+    EXPECT_EQ(tree(root.sub("other")), tree(target));
+    EXPECT_EQ(tree(root.sub("again")), tree(target));
 }
 
 // On disk before: old.txt older than its member, new.txt newer; missing.txt is not there.
@@ -167,8 +161,7 @@ TEST_F(Unzipping, APasswordDeclinedIsNotAskedAgainInTheRun) {
     platform.typeNext("pw");
     EXPECT_EQ(zip.Unzip(path, target), 0);
     EXPECT_EQ(platform.prompts.size(), 1);
-    EXPECT_EQ(read("one.txt"), "secret one");
-    EXPECT_EQ(read("two.txt"), "secret two");
+    EXPECT_EQ(QByteArrayList({read("one.txt"), read("two.txt")}), QByteArrayList({"secret one", "secret two"}));
 
     platform.typeNext("wrong");
     platform.typeNext("wrong");
@@ -192,12 +185,11 @@ TEST_F(Unzipping, TheOverwriteBoxDecidesFileByFile) {
         zip.setPromptOverwrite(true);
         EXPECT_EQ(zip.Unzip(archive({ZipEntry::file("a.txt", "zip"), ZipEntry::file("b.txt", "zip")}), target), 0);
         ASSERT_EQ(platform.boxes.size(), c.boxes);
-        EXPECT_EQ(platform.boxes[0].title, "VBUnZip32 - File Already Exists!");
-        EXPECT_EQ(platform.boxes[0].text, "Overwrite " + QDir::toNativeSeparators(at("a.txt")) + "?");
-        EXPECT_EQ(platform.boxes[0].buttons, MsgButtons::YesNoCancel);
-        EXPECT_EQ(platform.boxes[0].icon, MsgIcon::Warning);
-        EXPECT_EQ(read("a.txt"), c.a);
-        EXPECT_EQ(read("b.txt"), c.b);
+        const ShownBox& box = platform.boxes[0];
+        EXPECT_EQ(std::tuple(box.title, box.text, box.buttons, box.icon),
+                  std::tuple(QString("VBUnZip32 - File Already Exists!"), "Overwrite " + QDir::toNativeSeparators(at("a.txt")) + "?",
+                             MsgButtons::YesNoCancel, MsgIcon::Warning));
+        EXPECT_EQ(QByteArrayList({read("a.txt"), read("b.txt")}), QByteArrayList({c.a, c.b}));
     }
     // Neither overwriting nor asking: what is there stays, what is missing comes.
     writeTextFile(at("a.txt"), "disk");
@@ -205,8 +197,7 @@ TEST_F(Unzipping, TheOverwriteBoxDecidesFileByFile) {
     ZipExtractor keep;
     keep.setOverWriteFiles(false);
     EXPECT_EQ(keep.Unzip(archive({ZipEntry::file("a.txt", "zip"), ZipEntry::file("b.txt", "zip")}), target), 0);
-    EXPECT_EQ(read("a.txt"), "disk");
-    EXPECT_EQ(read("b.txt"), "zip");
+    EXPECT_EQ(QByteArrayList({read("a.txt"), read("b.txt")}), QByteArrayList({"disk", "zip"}));
 }
 
 TEST_F(Unzipping, OptionsDoWhatTheirNamesSay) {
@@ -313,14 +304,6 @@ TEST_F(Unzipping, ADamagedMemberLeavesTheGoodFileAsItWas) {
     EXPECT_EQ(tester.Unzip(path), ZipResult::ArchiveError);
 }
 
-TEST_F(Unzipping, AMemberThatInflatesPastItsDeclaredSizeIsStopped) {
-    QByteArray bytes = makeArchive({ZipEntry::file("bomb.dat", QByteArray(1 << 20, '\0'))});
-    declareSize(bytes, 1000);
-    ZipExtractor zip;
-    EXPECT_EQ(zip.Unzip(archiveOf(bytes), target), ZipResult::ArchiveError);
-    EXPECT_TRUE(tree(target).isEmpty());
-}
-
 TEST_F(Unzipping, MembersLargerThanTheFreeSpaceStopBeforeAnythingIsWritten) {
     QList<ZipEntry> entries;
     for (int i = 0; i < 1000; ++i)
@@ -341,6 +324,9 @@ TEST_F(Unzipping, ResultNumbersTellTheOutcomesApart) {
     EXPECT_EQ(zip.Unzip(archiveOf(QByteArray("PK\x05\x06", 4) + QByteArray(18, 0)), target), ZipResult::Warning);
     QByteArray cut = makeArchive({ZipEntry::file("a.txt", QByteArray(5000, 'a'))});
     EXPECT_EQ(zip.Unzip(archiveOf(cut.left(cut.size() / 2)), target), ZipResult::NotFound);
+    QByteArray bomb = makeArchive({ZipEntry::file("bomb.dat", QByteArray(1 << 20, '\0'))});
+    declareSize(bomb, 1000);   // inflates past what it declares
+    EXPECT_EQ(zip.Unzip(archiveOf(bomb), target), ZipResult::ArchiveError);
     EXPECT_TRUE(tree(target).isEmpty());
 }
 
