@@ -40,9 +40,7 @@ TEST_F(QuotesFetcher, ShapeTestAndRowWalk) {
     const QByteArray r1 = "2005-08-05,10,11,9,10.5,100,10.5\n";
     const QByteArray r2 = "2005-08-04,20,21,19,20.5,200,20.5\n";
     const struct { const char* what; QByteArray body; int error; int rows; int status = 200; } cases[] = {
-        {"empty reply", "", 2, 0},
-        {"header alone", Header, 2, 0},
-        {"header and one row", Header + r1, 0, 1},
+        {"empty reply", "", 2, 0}, {"header alone", Header, 2, 0}, {"header and one row", Header + r1, 0, 1},
         {"twelve fields, no position to visit, no row left over", "a,b,c,d,e,f,g,h,i,j,k,l", 0, 0},
         {"fourteen fields, no position to visit", "a,b,c,d,e,f,g,h,i,j,k,l,m,n", 0, 0},
         {"an error page of many pieces", "<html>,a,b,c,d,e,f,g,h,i,j,k,l,m,n,o,p</html>\n", 0, 0},
@@ -55,8 +53,7 @@ TEST_F(QuotesFetcher, ShapeTestAndRowWalk) {
         {"volume that is no number", Header + "2005-08-05,1,2,1,2,lots,2\n", 2, 0},
         {"open that is no number", Header + "2005-08-05,n/a,2,1,2,5,2\n", 2, 0},
         {"close that is empty", Header + "2005-08-05,1,2,1,,5,2\n", 2, 0},
-        {"a server error page", "Not Found\n", 2, 0, 404},
-        {"a server error without a body", "", 2, 0, 500},
+        {"a server error page", "Not Found\n", 2, 0, 404}, {"a server error without a body", "", 2, 0, 500},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(fetch(c.body, c.status), c.error) << c.what;

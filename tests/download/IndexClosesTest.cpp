@@ -66,14 +66,12 @@ TEST(IndexCloses, ColumnsByNameNumbersWithADecimalPointUnderEveryLocaleAndNoEmpt
 
 TEST(IndexCloses, SymbolsFromNamesAtMost14AndUniqueInTheFolder) {
     const struct { const char* name; QSet<QString> taken; const char* symbol; } cases[] = {
-        {"Nifty 50", {}, "NIFTY50"},
-        {"Nifty 10 yr Benchmark G-Sec", {}, "NIFTY10YRBENCH"},
+        {"Nifty 50", {}, "NIFTY50"}, {"Nifty 10 yr Benchmark G-Sec", {}, "NIFTY10YRBENCH"},
         {"Nifty 10 yr Benchmark G-Sec (Clean Price)", {"NIFTY10YRBENCH"}, "NIFTY10YRBENC2"},
         {"Nifty 10 yr Benchmark G-Sec (Clean Price)", {"NIFTY10YRBENCH", "NIFTY10YRBENC2"}, "NIFTY10YRBENC3"},
         {"Nifty Financial Services", {"NIFTYFINANCIAL", "NIFTYFINANCIA2", "NIFTYFINANCIA3", "NIFTYFINANCIA4",
           "NIFTYFINANCIA5", "NIFTYFINANCIA6", "NIFTYFINANCIA7", "NIFTYFINANCIA8", "NIFTYFINANCIA9"}, "NIFTYFINANCI10"},
-        {"Nifty Indé १2", {}, "NIFTYIND2"},
-        {" - ", {}, "INDEX"},
+        {"Nifty Indé १2", {}, "NIFTYIND2"}, {" - ", {}, "INDEX"},
     };
     for (const auto& c : cases)
         EXPECT_EQ(NseIndexRun::SymbolFor(c.name, c.taken), c.symbol) << c.name;

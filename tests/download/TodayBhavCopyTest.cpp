@@ -45,11 +45,9 @@ TEST(TodayBhavCopyRead, RepliesThatHoldNoDayAndLinesThatGiveNoRow) {
     crcBroken[crcBroken.indexOf("ABC")] = 'X';
     const struct { const char* what; QByteArray archive; QStringList symbols; } cases[] = {
         {"HTML in the archive", zipped("<html><body>Access Denied</body></html>"), {}},
-        {"an empty member", zipped(""), {}},
-        {"a header only", zipped(Shuffled), {}},
+        {"an empty member", zipped(""), {}}, {"a header only", zipped(Shuffled), {}},
         {"a header lacking the volume", zipped("TckrSymb,SctySrs,OpnPric,HghPric,LwPric,ClsPric\nA,EQ,1,2,1,2\n"), {}},
-        {"a CRC that does not match", crcBroken, {}},
-        {"no archive", good, {}},
+        {"a CRC that does not match", crcBroken, {}}, {"no archive", good, {}},
         {"malformed lines only, one bad field each",
          zipped(Shuffled + "EQ,A,,1e999,2,1,3,1\nEQ,B,,1,2,1\nEQ,,,1,2,1,3,1\nEQ,C,,1,x,1,3,1\nEQ,D,,1,2,-,3,1\nEQ,E,,1,2,1,,1\nEQ,F,,1,2,1,3,1.2.3\n"), {}},
         {"a folder first, a BOM, CR line ends, a quoted name with a comma, blanks around",
