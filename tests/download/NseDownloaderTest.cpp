@@ -42,7 +42,7 @@ QString path(const QDate& d) {
 }
 
 QStringList paths(const QDate& first, const QDate& last) {
-    return first > last ? QStringList() : paths(first.addDays(1), last).prepend(path(first));
+    return first > last ? QStringList() : QStringList{path(first)} + paths(first.addDays(1), last);
 }
 
 // Whole-number prices read alike under every locale.
