@@ -120,67 +120,55 @@ TEST_F(NseRun, WalksEveryDayToTodayAndTheNextRunGoesOnFromTheLastDayWithData) {
     }
 }
 
-// STOP is looked at only after a day with data; the stop is spent when the run is over.
-TEST_F(NseRun, StopTakesEffectAfterTheNextDayWithData) {
+// STOP is looked at only after a day with data, the close box after the day in hand, which then
+// closes the screen; values.dat names the last day written, and a stop is spent when the run is over.
+TEST_F(NseRun, StopAndCloseEndTheRunBetweenDays) {
     createSymbols({"ABC"}, {2026, 9, 30});
     for (int day : {1, 2, 5, 6, 7})
         serveDay({2026, 10, day}, bhavRow("ABC", bar(0, day)));
     platform_.todayDate = {2026, 10, 9};
-    NseDownloaderDialog dlg;
-    dlg.show();
-    dlg.folderEdit->setText(folder);
-    bool running = false;
-    onRequest = [&](const QString& target) {
-        if (target != path({2026, 10, 3}))   // a Saturday
-            return;
-        running = !dlg.closeButton->isEnabled() && dlg.beginDownloadButton->isHidden()
-                  && dlg.stopButton->isVisible() && dlg.progressTimer->interval() == 100
-                  && dlg.progressTimer->isActive();
-        dlg.stopButton->click();
-        EXPECT_TRUE(dlg.stopButton->isHidden());
-    };
-    dlg.beginDownloadButton->click();
-
-    EXPECT_TRUE(running);
-    EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 1}, {2026, 10, 5}));
-    EXPECT_EQ(lines(dlg.daysList),
-              QStringList({updated({2026, 10, 1}), updated({2026, 10, 2}), updated({2026, 10, 5})}));
-    EXPECT_EQ(valuesFile(), valuesText({2026, 10, 5}));
-    EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
-    expectIdle(dlg);
-    EXPECT_TRUE(dlg.isVisible());
-
-    onRequest = {};
-    server.targets.clear();
-    dlg.beginDownloadButton->click();
-    EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 6}, {2026, 10, 9}));
-    EXPECT_EQ(lines(dlg.daysList), QStringList({updated({2026, 10, 6}), updated({2026, 10, 7})}));
-    EXPECT_EQ(storedBars(folder, "ABC").size(), 5);
-    EXPECT_EQ(valuesFile(), valuesText({2026, 10, 7}));
-}
-
-// The screen's close box during a run: the day in hand is finished, with or without data, and
-// the screen goes; values.dat names the last day that was written.
-TEST_F(NseRun, ClosingTheScreenEndsTheRunAfterTheDayInHand) {
-    createSymbols({"ABC"}, {2026, 9, 30});
-    for (int day : {1, 2, 5})
-        serveDay({2026, 10, day}, bhavRow("ABC", bar(0, day)));
-    platform_.todayDate = {2026, 10, 9};
-    NseDownloaderDialog dlg;
-    dlg.show();
-    dlg.folderEdit->setText(folder);
-    onRequest = [&](const QString& target) {
-        if (target == path({2026, 10, 3})) {
-            EXPECT_FALSE(dlg.close());
+    for (bool closing : {true, false}) {
+        SCOPED_TRACE(closing ? "close box" : "Stop");
+        server.targets.clear();
+        platform_.boxes.clear();
+        NseDownloaderDialog dlg;
+        dlg.show();
+        dlg.folderEdit->setText(folder);
+        bool running = false;
+        onRequest = [&](const QString& target) {
+            if (target != path({2026, 10, 3}))   // a Saturday: the close box's day in hand, the stop's first day
+                return;
+            running = !dlg.closeButton->isEnabled() && dlg.beginDownloadButton->isHidden() && dlg.stopButton->isVisible()
+                      && dlg.progressTimer->interval() == 100 && dlg.progressTimer->isActive();
+            if (closing) {
+                EXPECT_FALSE(dlg.close());
+            } else {
+                dlg.stopButton->click();
+                EXPECT_TRUE(dlg.stopButton->isHidden());
+            }
+        };
+        dlg.beginDownloadButton->click();
+        EXPECT_TRUE(running);
+        EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
+        EXPECT_EQ(dlg.isVisible(), !closing);
+        if (closing) {
+            EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 1}, {2026, 10, 3}));
+            EXPECT_EQ(valuesFile(), valuesText({2026, 10, 2}));
+            EXPECT_EQ(storedBars(folder, "ABC"), QList<StoredBar>({bar(20261001, 1), bar(20261002, 2)}));
+            continue;
         }
-    };
-    dlg.beginDownloadButton->click();
-
-    EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 1}, {2026, 10, 3}));
-    EXPECT_EQ(valuesFile(), valuesText({2026, 10, 2}));
-    EXPECT_EQ(storedBars(folder, "ABC"), QList<StoredBar>({bar(20261001, 1), bar(20261002, 2)}));
-    EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
-    EXPECT_FALSE(dlg.isVisible());
+        EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 3}, {2026, 10, 5}));
+        EXPECT_EQ(lines(dlg.daysList), QStringList({updated({2026, 10, 5})}));
+        EXPECT_EQ(valuesFile(), valuesText({2026, 10, 5}));
+        expectIdle(dlg);
+        onRequest = {};
+        server.targets.clear();
+        dlg.beginDownloadButton->click();
+        EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 6}, {2026, 10, 9}));
+        EXPECT_EQ(lines(dlg.daysList), QStringList({updated({2026, 10, 6}), updated({2026, 10, 7})}));
+        EXPECT_EQ(storedBars(folder, "ABC").size(), 5);
+        EXPECT_EQ(valuesFile(), valuesText({2026, 10, 7}));
+    }
 }
 
 // Runs that fetch nothing: each ends with its own box, leaves values.dat as it was and the screen idle.
