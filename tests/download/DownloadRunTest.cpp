@@ -171,20 +171,4 @@ TEST_F(DownloadRunScreen, AFailingItemEndsTheRunOnlyBeforeTheFirstFetch) {
     }
 }
 
-TEST_F(DownloadRunScreen, ShownModallyTheRunStartsByItselfAndAskForNothingUpToDate) {
-    addItem("A", {2026, 11, 22});
-    addItem("B", {2026, 11, 30});
-    DownloadProgressWindow dlg;
-    QStringList seen;
-    closeProgressAtItsBox(platform_, [&](QWidget*) {
-        seen = lines(dlg.resultsList);
-        EXPECT_EQ(dlg.statusLabel->text(), "Connecting...");
-    });
-    EXPECT_EQ(dlg.exec(), QDialog::Accepted);
-    EXPECT_EQ(seen, QStringList({"Upto Date : A", "Upto Date : B"}));
-    EXPECT_TRUE(server.targets.isEmpty());
-    EXPECT_EQ(dlg.upToDateCount, 2);
-    EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
-}
-
 } // namespace
