@@ -1,6 +1,5 @@
 // brindlemark-cli's unattended World Exchanges download, run in-process against the loopback
 // quotes service (today is 23 November 2026 on the scripted platform).
-#include "Cli.h"
 #include "DownloadCommands.h"
 #include "DownloadTestKit.h"
 
@@ -10,18 +9,8 @@ namespace {
 
 class CliDownload : public DownloadTest {
 protected:
-    int run(const QStringList& arguments) {
-        QString outText, errText;
-        QTextStream out(&outText), err(&errText);
-        const int status = runCli(arguments, out, err);
-        out.flush();
-        err.flush();
-        stdoutLines = outText.split(u'\n', Qt::SkipEmptyParts);
-        stderrText = errText;
-        return status;
-    }
-    QStringList stdoutLines;
-    QString stderrText;
+    int run(const QStringList& arguments) { return (last = cli(arguments)).status; }
+    CliRun last;
 };
 
 TEST_F(CliDownload, OneLinePerSecurityMergedAsTheScreenMergesAndASummary) {
@@ -35,8 +24,8 @@ TEST_F(CliDownload, OneLinePerSecurityMergedAsTheScreenMergesAndASummary) {
     replies.insert("NODATA.NS", LoopbackReply::withStatus(404, "<html>no</html>"));
     replies.insert("BBB.NS", LoopbackReply::ok(Header + line(bar(20261121, 21))));
 
-    ASSERT_EQ(run({"download", "quotes", a, b}), 0) << stderrText.toStdString();
-    EXPECT_EQ(stdoutLines, (QStringList{"AAA.NS 2 records", "NODATA.NS No Data Available", "BBB.NS 1 records",
+    ASSERT_EQ(run({"download", "quotes", a, b}), 0) << last.err.toStdString();
+    EXPECT_EQ(last.out, (QStringList{"AAA.NS 2 records", "NODATA.NS No Data Available", "BBB.NS 1 records",
                                         "NEW.NS Up to date",
                                         "2 downloaded, 1 up to date, 1 without data, 0 failed"}));
     EXPECT_EQ(storedBars(a, "AAA.NS"), (QList<StoredBar>{bar(20261110, 10), bar(20261111, 99), bar(20261112, 12)}));
@@ -46,7 +35,7 @@ TEST_F(CliDownload, OneLinePerSecurityMergedAsTheScreenMergesAndASummary) {
     platform_.settings["Sources/Quotes"] = "http://127.0.0.1:" + QString::number(LoopbackHttpServer::deadPort());
     replies.insert("BBB.NS", LoopbackReply::ok(Header + line(bar(20261121, 77))));
     EXPECT_EQ(run({"download", "--source", "quotes=" + server.endpoint(), "quotes", b, "--symbols", "BBB.NS"}), 0);
-    EXPECT_EQ(stdoutLines.first(), "BBB.NS 1 records");
+    EXPECT_EQ(last.out.first(), "BBB.NS 1 records");
     EXPECT_EQ(run({"download", "quotes", b, "--source", "shares=x"}), 2);
     EXPECT_EQ(run({"download", "quotes", b, "--symbols", "BBB.NS"}), 1);   // the dead setting again
     platform_.settings["Sources/Quotes"] = server.endpoint();
@@ -54,9 +43,9 @@ TEST_F(CliDownload, OneLinePerSecurityMergedAsTheScreenMergesAndASummary) {
     // Only the symbols asked for; an unknown one is a failure named on standard error.
     replies.insert("BBB.NS", LoopbackReply::ok(Header + line(bar(20261122, 22))));
     EXPECT_EQ(run({"download", "quotes", a, b, "--symbols", "bbb.ns,ZZZ"}), 1);
-    EXPECT_EQ(stdoutLines.first(), "BBB.NS 1 records");
-    EXPECT_EQ(stdoutLines.size(), 2);
-    EXPECT_TRUE(stderrText.contains("ZZZ: not in the folders given")) << stderrText.toStdString();
+    EXPECT_EQ(last.out.first(), "BBB.NS 1 records");
+    EXPECT_EQ(last.out.size(), 2);
+    EXPECT_TRUE(last.err.contains("ZZZ: not in the folders given")) << last.err.toStdString();
 }
 
 TEST_F(CliDownload, UsageFailuresAndAStopAfterTheSecurityInHand) {
@@ -75,8 +64,8 @@ TEST_F(CliDownload, UsageFailuresAndAStopAfterTheSecurityInHand) {
         return replies.value("AAA.NS");
     });
     EXPECT_EQ(run({"download", "quotes", a}), 130);
-    EXPECT_EQ(stdoutLines.first(), "AAA.NS 1 records");
-    EXPECT_TRUE(stderrText.contains("Stopped after the security in hand")) << stderrText.toStdString();
+    EXPECT_EQ(last.out.first(), "AAA.NS 1 records");
+    EXPECT_TRUE(last.err.contains("Stopped after the security in hand")) << last.err.toStdString();
     EXPECT_EQ(storedBars(a, "BBB.NS"), (QList<StoredBar>{bar(20261110, 20)}));
     EXPECT_TRUE(StoreCheck::checkFolder(a).empty());
 }
@@ -90,7 +79,7 @@ TEST_F(CliDownload, AFolderAnotherRunIsWritingIsRefusedAndNothingIsAsked) {
     for (const QStringList& command : {QStringList{"download", "quotes", a}, QStringList{"download", "bhavcopy", a}}) {
         SCOPED_TRACE(command.join(' ').toStdString());
         EXPECT_EQ(run(command), 1);
-        EXPECT_TRUE(stderrText.contains("is being written by brindlemark-cli (process 4242)")) << stderrText.toStdString();
+        EXPECT_TRUE(last.err.contains("is being written by brindlemark-cli (process 4242)")) << last.err.toStdString();
     }
     EXPECT_TRUE(server.targets.isEmpty());
     EXPECT_EQ(storedBars(a, "AAA.NS"), (QList<StoredBar>{bar(20261110, 10)}));

@@ -24,11 +24,7 @@ protected:
 };
 
 TEST_F(QuotesFetcher, AsksForTheSymbolWithTheLastDateFirstAndMonthsFromZero) {
-    const struct {
-        QString symbol;
-        QDate first, last;
-        QString target;
-    } cases[] = {
+    const struct { QString symbol; QDate first, last; QString target; } cases[] = {
         {"ABC", {2005, 7, 1}, {2005, 8, 5}, "/table.csv?s=ABC&d=7&e=5&f=2005&g=d&a=6&b=1&c=2005&ignore=.csv"},
         {"  IBM ", {2004, 1, 31}, {2004, 12, 1}, "/table.csv?s=IBM&d=11&e=1&f=2004&g=d&a=0&b=31&c=2004&ignore=.csv"},
         {"^GSPC", {1999, 12, 27}, {2000, 1, 2}, "/table.csv?s=^GSPC&d=0&e=2&f=2000&g=d&a=11&b=27&c=1999&ignore=.csv"},
@@ -43,16 +39,8 @@ TEST_F(QuotesFetcher, AsksForTheSymbolWithTheLastDateFirstAndMonthsFromZero) {
 TEST_F(QuotesFetcher, ShapeTestAndRowWalk) {
     const QByteArray r1 = "2005-08-05,10,11,9,10.5,100,10.5\n";
     const QByteArray r2 = "2005-08-04,20,21,19,20.5,200,20.5\n";
-    const struct {
-        const char* what;
-        QByteArray body;
-        int error;
-        int rows;   // upper bound of Quotes when Error is 0
-        int status = 200;
-    } cases[] = {
-        {"empty reply", "", 2, 0},
-        {"header alone", Header, 2, 0},
-        {"header and one row", Header + r1, 0, 1},
+    const struct { const char* what; QByteArray body; int error; int rows; int status = 200; } cases[] = {
+        {"empty reply", "", 2, 0}, {"header alone", Header, 2, 0}, {"header and one row", Header + r1, 0, 1},
         {"twelve fields, no position to visit, no row left over", "a,b,c,d,e,f,g,h,i,j,k,l", 0, 0},
         {"fourteen fields, no position to visit", "a,b,c,d,e,f,g,h,i,j,k,l,m,n", 0, 0},
         {"an error page of many pieces", "<html>,a,b,c,d,e,f,g,h,i,j,k,l,m,n,o,p</html>\n", 0, 0},
@@ -65,8 +53,7 @@ TEST_F(QuotesFetcher, ShapeTestAndRowWalk) {
         {"volume that is no number", Header + "2005-08-05,1,2,1,2,lots,2\n", 2, 0},
         {"open that is no number", Header + "2005-08-05,n/a,2,1,2,5,2\n", 2, 0},
         {"close that is empty", Header + "2005-08-05,1,2,1,,5,2\n", 2, 0},
-        {"a server error page", "Not Found\n", 2, 0, 404},
-        {"a server error without a body", "", 2, 0, 500},
+        {"a server error page", "Not Found\n", 2, 0, 404}, {"a server error without a body", "", 2, 0, 500},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(fetch(c.body, c.status), c.error) << c.what;
@@ -85,18 +72,13 @@ TEST_F(QuotesFetcher, RowsKeepTheirLineNumbersAndEveryField) {
               0);
     ASSERT_EQ(handOvers().Quotes.upperBound(), 5);
     EXPECT_EQ(quote(1).Dat, "2005-08-05");
-    EXPECT_DOUBLE_EQ(quote(1).OpenPrice, 25.5);
-    EXPECT_DOUBLE_EQ(quote(1).High, 26.75);
-    EXPECT_DOUBLE_EQ(quote(1).Low, 25.125);
-    EXPECT_DOUBLE_EQ(quote(1).ClosePrice, 26.0);
+    EXPECT_EQ(QList<double>({quote(1).OpenPrice, quote(1).High, quote(1).Low, quote(1).ClosePrice}), QList<double>({25.5, 26.75, 25.125, 26}));
     // A High that is no number leaves its index empty; index 0 is never filled.
     for (int empty : {0, 2, 3})
         EXPECT_TRUE(quote(empty).Dat.isEmpty()) << empty;
     EXPECT_EQ(quote(4).Dat, "2005-08-02");
     // Volumes round half to even.
-    EXPECT_EQ(quote(1).Volume, 2);
-    EXPECT_EQ(quote(4).Volume, 4);
-    EXPECT_EQ(quote(5).Volume, -2);
+    EXPECT_EQ(QList<qint64>({quote(1).Volume, quote(4).Volume, quote(5).Volume}), QList<qint64>({2, 4, -2}));
 
     // Nothing of this reply stays behind in the gaps of the next.
     ASSERT_EQ(fetch(Header + "2005-09-05,10,x,9,10.5,100,10.5\n2005-09-04,20,21,19,20.5,200,20.5\n"), 0);

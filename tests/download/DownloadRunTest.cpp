@@ -20,13 +20,6 @@ protected:
         handOvers().DownloadItems.append({symbol, Regional::dateText(last.addDays(-35)),
                                        Regional::dateText(last.addDays(1)), in.isEmpty() ? folder : in});
     }
-    // Securities with one bar on 1 October, and items asking for what follows it.
-    void securitiesFromOctober(const QStringList& symbols) {
-        for (const QString& symbol : symbols) {
-            makeSecurity(folder, symbol, symbol, {bar(20261001, 10)});
-            addItem(symbol, {2026, 10, 1});
-        }
-    }
 
     const QString folder = temp.sub("data");
 };
@@ -83,10 +76,9 @@ TEST_F(DownloadRunScreen, UpToDateDownloadedNoDataAndNoConnection) {
         EXPECT_EQ(QStringList({dlg.completedValue->text(), dlg.upToDateValue->text(), dlg.noDataValue->text()}),
                   QStringList({"2", "1", "0"}));
         EXPECT_EQ(QList<int>({dlg.completedCount, dlg.upToDateCount, dlg.noDataCount}), QList<int>({2, 1, 1}));
-        EXPECT_EQ(dlg.symbolLabel->text(), " NOD ");
-        EXPECT_EQ(dlg.statusLabel->text(), " NOD ");
+        EXPECT_EQ(QStringList({dlg.symbolLabel->text(), dlg.statusLabel->text(), dlg.windowTitle()}),
+                  QStringList({" NOD ", " NOD ", "Download Completed. / "}));
         EXPECT_EQ(QList<int>({dlg.itemsBar->maximum(), dlg.itemsBar->value(), dlg.recordsBar->value()}), QList<int>({5, 5, 0}));
-        EXPECT_EQ(dlg.windowTitle(), "Download Completed. / ");
         ASSERT_EQ(platform_.boxes.size(), 1);
         expectBox(platform_.boxes[0], "Download Completed.", "Brindlemark v6");
 
@@ -98,18 +90,12 @@ TEST_F(DownloadRunScreen, UpToDateDownloadedNoDataAndNoConnection) {
 
         EXPECT_EQ(dlg.cancelButton->text(), "&Close");
         dlg.cancelButton->click();
-        EXPECT_FALSE(dlg.isVisible());
-        EXPECT_EQ(dlg.cancelButton->text(), "Cancel");
+        EXPECT_EQ(std::pair(dlg.isVisible(), dlg.cancelButton->text()), std::pair(false, QString("Cancel")));
     }
 }
 
 TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
-    const struct {
-        const char* what;
-        QStringList symbols;
-        bool closeBox;
-        QString caption;
-    } cases[] = {
+    const struct { const char* what; QStringList symbols; bool closeBox; QString caption; } cases[] = {
         {"Cancel during the first of three", {"A", "B", "C"}, false, "1 of 3 Completed. / "},
         {"Cancel during the last item", {"D"}, false, "1 of 1 Completed. / "},
         {"the close box during the first of two", {"E", "F"}, true, "1 of 2 Completed. / "},
@@ -119,7 +105,10 @@ TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
         handOvers().DownloadItems.clear();
         server.targets.clear();
         platform_.boxes.clear();
-        securitiesFromOctober(c.symbols);
+        for (const QString& symbol : c.symbols) {
+            makeSecurity(folder, symbol, symbol, {bar(20261001, 10)});
+            addItem(symbol, {2026, 10, 1});
+        }
         LoopbackReply slow = LoopbackReply::ok(Header + line(bar(20261003, 12)) + line(bar(20261002, 11)));
         slow.delayMs = 300;
         replies[c.symbols[0]] = slow;
@@ -150,12 +139,9 @@ TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
 TEST_F(DownloadRunScreen, AFailingItemEndsTheRunOnlyBeforeTheFirstFetch) {
     makeSecurity(folder, "A", "A", {bar(20261001, 10)});
     replies["A"] = replies["MISSING"] = LoopbackReply::ok(Header + line(bar(20261002, 11)));
-    const DownloadItem noDate{"NA", "", "", folder};
-    const DownloadItem missing{"MISSING", Regional::dateText({2026, 9, 1}), Regional::dateText({2026, 10, 2}), folder};
-    const struct {
-        DownloadItem bad;
-        QString lineBehindAFetch;
-    } cases[] = {{noDate, "Upto Date : NA"}, {missing, "Download Complete : MISSING"}};
+    const struct { DownloadItem bad; QString lineBehindAFetch; } cases[] = {
+        {{"NA", "", "", folder}, "Upto Date : NA"},
+        {{"MISSING", Regional::dateText({2026, 9, 1}), Regional::dateText({2026, 10, 2}), folder}, "Download Complete : MISSING"}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.bad.Symbol.toStdString());
         for (bool behindAFetch : {false, true}) {
@@ -183,22 +169,6 @@ TEST_F(DownloadRunScreen, AFailingItemEndsTheRunOnlyBeforeTheFirstFetch) {
             }
         }
     }
-}
-
-TEST_F(DownloadRunScreen, ShownModallyTheRunStartsByItselfAndAskForNothingUpToDate) {
-    addItem("A", {2026, 11, 22});
-    addItem("B", {2026, 11, 30});
-    DownloadProgressWindow dlg;
-    QStringList seen;
-    closeProgressAtItsBox(platform_, [&](QWidget*) {
-        seen = lines(dlg.resultsList);
-        EXPECT_EQ(dlg.statusLabel->text(), "Connecting...");
-    });
-    EXPECT_EQ(dlg.exec(), QDialog::Accepted);
-    EXPECT_EQ(seen, QStringList({"Upto Date : A", "Upto Date : B"}));
-    EXPECT_TRUE(server.targets.isEmpty());
-    EXPECT_EQ(dlg.upToDateCount, 2);
-    EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
 }
 
 } // namespace

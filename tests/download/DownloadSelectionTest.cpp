@@ -15,23 +15,17 @@
 
 namespace {
 
-QStringList rows(const QTreeWidget* list) {
-    QStringList texts;
-    for (int i = 0; i < list->topLevelItemCount(); ++i)
-        texts << list->topLevelItem(i)->text(0);
-    return texts;
-}
-
-// "Security;Symbol;Last Date|x" for every row of the security list, x for a tick.
-QStringList securityRows(const QTreeWidget* list) {
+// The first column of every row; with `all`, "Security;Symbol;Last Date|x", x for a tick.
+QStringList rows(const QTreeWidget* list, bool all = false) {
     QStringList texts;
     for (int i = 0; i < list->topLevelItemCount(); ++i) {
         const QTreeWidgetItem* row = list->topLevelItem(i);
-        texts << row->text(0) + ';' + row->text(1) + ';' + row->text(2) + '|'
-                     + (row->checkState(0) == Qt::Checked ? "x" : " ");
+        texts << (all ? row->text(0) + ';' + row->text(1) + ';' + row->text(2) + '|' + (row->checkState(0) == Qt::Checked ? "x" : " ")
+                      : row->text(0));
     }
     return texts;
 }
+QStringList securityRows(const QTreeWidget* list) { return rows(list, true); }
 
 // What the user does with a check box.
 void tick(QTreeWidget* list, int row, bool on) {
@@ -60,7 +54,6 @@ TEST_F(Downloader, FoldersFileRoundTrip) {
         DownloaderDialog dlg;   // no file yet
         dlg.show();
         expectControlsLaidOut(&dlg);
-        EXPECT_EQ(dlg.windowTitle(), "Downloader");
         EXPECT_EQ(dlg.foldersList->topLevelItemCount(), 0);
         EXPECT_EQ(dlg.selectionLabel->text(), "No Securities Selected.");
         dlg.reject();
@@ -146,7 +139,8 @@ TEST_F(Downloader, TickingFoldersAndRows) {
                                                                   "Adani Ports;ADANIPORTS.NS;" + lastAdani + "| ", two + ";;|x"}));
     EXPECT_EQ(dlg.selectionLabel->text(), "1 Securities Selected.");
     EXPECT_EQ(dlg.foldersList->topLevelItem(0)->checkState(0), Qt::Checked);
-    tick(dlg.securitiesList, 4, false);
+    tick(dlg.securitiesList, 3, false);   // the last folder row: its securities run to the list's end
+    EXPECT_EQ(securityRows(dlg.securitiesList).mid(3), QStringList({two + ";;| ", "Gamma;CCC;" + Regional::dateText({2026, 1, 5}) + "| "}));
     EXPECT_EQ(dlg.selectionLabel->text(), "0 Securities Selected.");
     dlg.downloadButton->click();
     EXPECT_EQ(platform_.boxTexts(), QStringList({"No Securities Selected."}));

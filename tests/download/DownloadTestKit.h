@@ -2,6 +2,8 @@
 // Shared pieces of the download tests: securities written and read back through the store, the
 // quotes service on the loopback server, and the Download Progress window waited for.
 
+#include "Cli.h"
+#include "catalogue/CreateSymbols.h"
 #include "download/Inet.h"
 #include "download/ServiceAddresses.h"
 #include "download/DailyQuotes.h"
@@ -13,6 +15,7 @@
 #include "support/TestSupport.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QListWidget>
 #include <QMap>
 #include <QPushButton>
@@ -75,6 +78,34 @@ inline QList<StoredBar> storedBars(const QString& folder, const QString& symbol)
     return bars;
 }
 
+// A reply kept beside the repository; empty when it is not there.
+inline QByteArray serviceFixture(const QString& name) {
+    QFile file(QStringLiteral(BM_FIXTURES_DIR "/services/") + name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// Securities and values.dat as Create New Symbols leaves them.
+inline void createSymbols(const QString& folder, const QStringList& symbols, const QDate& from) {
+    SecurityWriter writer;
+    CreateSymbols::CreateSecurities(writer, folder, symbols, from);
+    CreateSymbols::WriteValuesFile(folder, from);
+}
+
+// brindlemark-cli run in-process: its exit status, the lines of standard output, standard error.
+struct CliRun {
+    int status;
+    QStringList out;
+    QString err;
+};
+inline CliRun cli(const QStringList& arguments) {
+    QString outText, errText;
+    QTextStream out(&outText), err(&errText);
+    const int status = runCli(arguments, out, err);
+    out.flush();
+    err.flush();
+    return {status, outText.split(u'\n', Qt::SkipEmptyParts), errText};
+}
+
 // A message box as the test expects it: information style.
 inline void expectBox(const ShownBox& box, const QString& text, const QString& title) {
     EXPECT_EQ(box.text, text);
@@ -116,4 +147,23 @@ protected:
     TempFolder temp;
     LoopbackHttpServer server;
     QMap<QString, LoopbackReply> replies;
+};
+
+// The exchange's daily files on the loopback server: each target gets its entry of `days`, or the
+// server's short error page; `onRequest` sees each target first. `source` goes before the address.
+class NseDaysTest : public DownloadTest {
+protected:
+    explicit NseDaysTest(const QString& source = {}) {
+        platform_.settings["Sources/Bhavcopy"] = source + server.endpoint();
+        server.setHandler([this](const QByteArray& target) {
+            if (onRequest)
+                onRequest(QString::fromLatin1(target));
+            return days.value(QString::fromLatin1(target), LoopbackReply::withStatus(404, "<html><body>Not Found</body></html>"));
+        });
+    }
+    void createSymbols(const QStringList& symbols, const QDate& from) { ::createSymbols(folder, symbols, from); }
+
+    QString folder = temp.sub("nse");
+    QMap<QString, LoopbackReply> days;
+    std::function<void(const QString&)> onRequest;
 };

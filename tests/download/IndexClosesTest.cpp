@@ -1,24 +1,17 @@
 // NSE India Index from the exchange's daily closes: the reader of a day's file, the symbols of new
 // securities, the walk that brings an index folder up to date against the loopback server, and
 // brindlemark-cli's `download index`.
-#include "Cli.h"
 #include "DownloadTestKit.h"
 
 #include "download/IndexCloses.h"
 #include "download/NseIndexRun.h"
 #include "frame/Failure.h"
 
-#include <QFile>
 
 namespace {
 
 const QByteArray Head = "Index Name,Index Date,Open Index Value,High Index Value,Low Index Value,"
                         "Closing Index Value,Points Change,Change(%),Volume,Turnover (Rs. Cr.),P/E,P/B,Div Yield\n";
-
-QByteArray fixture() {
-    QFile file(QStringLiteral(BM_FIXTURES_DIR "/services/ind_close_all_04112024.csv"));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 // A value as the store keeps it (single precision).
 double kept(double value) { return double(float(value)); }
@@ -72,19 +65,13 @@ TEST(IndexCloses, ColumnsByNameNumbersWithADecimalPointUnderEveryLocaleAndNoEmpt
 }
 
 TEST(IndexCloses, SymbolsFromNamesAtMost14AndUniqueInTheFolder) {
-    const struct {
-        const char* name;
-        QSet<QString> taken;
-        const char* symbol;
-    } cases[] = {
-        {"Nifty 50", {}, "NIFTY50"},
-        {"Nifty 10 yr Benchmark G-Sec", {}, "NIFTY10YRBENCH"},
+    const struct { const char* name; QSet<QString> taken; const char* symbol; } cases[] = {
+        {"Nifty 50", {}, "NIFTY50"}, {"Nifty 10 yr Benchmark G-Sec", {}, "NIFTY10YRBENCH"},
         {"Nifty 10 yr Benchmark G-Sec (Clean Price)", {"NIFTY10YRBENCH"}, "NIFTY10YRBENC2"},
         {"Nifty 10 yr Benchmark G-Sec (Clean Price)", {"NIFTY10YRBENCH", "NIFTY10YRBENC2"}, "NIFTY10YRBENC3"},
         {"Nifty Financial Services", {"NIFTYFINANCIAL", "NIFTYFINANCIA2", "NIFTYFINANCIA3", "NIFTYFINANCIA4",
           "NIFTYFINANCIA5", "NIFTYFINANCIA6", "NIFTYFINANCIA7", "NIFTYFINANCIA8", "NIFTYFINANCIA9"}, "NIFTYFINANCI10"},
-        {"Nifty Indé १2", {}, "NIFTYIND2"},
-        {" - ", {}, "INDEX"},
+        {"Nifty Indé १2", {}, "NIFTYIND2"}, {" - ", {}, "INDEX"},
     };
     for (const auto& c : cases)
         EXPECT_EQ(NseIndexRun::SymbolFor(c.name, c.taken), c.symbol) << c.name;
@@ -119,7 +106,7 @@ protected:
 };
 
 TEST_F(IndexWalk, BuildsAFolderFromNothingThenBringsItUpToDateADayLater) {
-    const QByteArray monday = fixture();
+    const QByteArray monday = serviceFixture("ind_close_all_04112024.csv");
     if (monday.isEmpty())
         GTEST_SKIP() << "ind_close_all_04112024.csv not found beside the repository";
     LocaleGuard german("de_DE");
@@ -192,18 +179,16 @@ TEST_F(IndexWalk, TheCommandLineBringsTheFolderUpToDate) {
     makeSecurity(folder, "INDIAVIX", "My VIX", {bar(20241030, 5)});
     serveDay(QDate(2024, 11, 4), Head + "Nifty 50,04-11-2024,1,2,0.5,1.5,0,0,10,0,0,0,0\n"
                                         "India VIX,04-11-2024,3,4,2,3.5,0,0,-,-,-,-,-\n");
-    QString outText, errText;
-    QTextStream out(&outText), err(&errText);
     {
         const ForeignLockHolder scheduledRun(folder);
-        EXPECT_EQ(runCli({"download", "index", folder}, out, err), 1);
-        err.flush();
-        EXPECT_TRUE(errText.contains("is being written by brindlemark-cli (process 4242)")) << errText.toStdString();
+        const CliRun refused = cli({"download", "index", folder});
+        EXPECT_EQ(refused.status, 1);
+        EXPECT_TRUE(refused.err.contains("is being written by brindlemark-cli (process 4242)")) << refused.err.toStdString();
         EXPECT_TRUE(server.targets.isEmpty());
     }
-    EXPECT_EQ(runCli({"download", "index", folder}, out, err), 0) << errText.toStdString();
-    out.flush();
-    EXPECT_EQ(outText, "04/11/2024 Updated: 2 indices.\n1 days with data\n");
+    const CliRun r = cli({"download", "index", folder});
+    EXPECT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out, (QStringList{"04/11/2024 Updated: 2 indices.", "1 days with data"}));
     EXPECT_EQ(server.targets.first(), "/content/indices/ind_close_all_02112024.csv");
     EXPECT_EQ(server.targets.size(), 4);
     EXPECT_EQ(storedBars(folder, "N50"), (QList<StoredBar>{bar(20241101, 100), {20241104, 1, 2, 0.5, 1.5, 10}}));

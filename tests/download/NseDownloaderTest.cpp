@@ -1,10 +1,8 @@
 // The NSE Downloader against a loopback stand-in for the exchange's archive: walks over real
 // folders made as Create New Symbols makes them, read back through the store.
 
-#include "Cli.h"
 #include "DownloadTestKit.h"
 
-#include "catalogue/CreateSymbols.h"
 #include "download/ui/NseDownloaderDialog.h"
 #include "frame/Regional.h"
 
@@ -44,10 +42,7 @@ QString path(const QDate& d) {
 }
 
 QStringList paths(const QDate& first, const QDate& last) {
-    QStringList out;
-    for (QDate d = first; d <= last; d = d.addDays(1))
-        out << path(d);
-    return out;
+    return first > last ? QStringList() : QStringList{path(first)} + paths(first.addDays(1), last);
 }
 
 // Whole-number prices read alike under every locale.
@@ -55,25 +50,8 @@ StoredBar whole(qint32 date, double price, double volume) { return {date, price,
 
 QString updated(const QDate& d) { return Regional::dateText(d) + " Updated."; }
 
-class NseRun : public ::testing::Test {
+class NseRun : public NseDaysTest {
 protected:
-    NseRun() {
-        platform_.settings["Sources/Bhavcopy"] = server.endpoint();
-        server.setHandler([this](const QByteArray& target) {
-            const QString decoded = QString::fromLatin1(target);
-            if (onRequest)
-                onRequest(decoded);
-            // Weekends, holidays and days not yet there: the server's short error page.
-            return days.value(decoded, LoopbackReply::withStatus(404, "<html><body>Not Found</body></html>"));
-        });
-    }
-
-    // Securities and values.dat as Create New Symbols leaves them.
-    void createSymbols(const QStringList& symbols, const QDate& from) {
-        SecurityWriter writer;
-        CreateSymbols::CreateSecurities(writer, folder, symbols, from);
-        CreateSymbols::WriteValuesFile(folder, from);
-    }
     void serveDay(const QDate& day, const QByteArray& rows) { days[path(day)] = LoopbackReply::ok(bhavCopy(rows)); }
     QByteArray valuesFile() const { return readFileBytes(CreateSymbols::ValuesFilePath(folder)); }
     static QByteArray valuesText(const QDate& d) { return (Regional::dateText(d) + "\r\n").toUtf8(); }
@@ -84,13 +62,6 @@ protected:
         EXPECT_TRUE(dlg.stopButton->isHidden());
         EXPECT_FALSE(dlg.progressTimer->isActive());
     }
-
-    ScriptedPlatform platform_;
-    TempFolder temp;
-    QString folder = temp.sub("nse");
-    LoopbackHttpServer server;
-    QMap<QString, LoopbackReply> days;
-    std::function<void(const QString&)> onRequest;
 };
 
 // A month with weekends and a few days of data; values.dat in each locale's own short form is
@@ -149,67 +120,55 @@ TEST_F(NseRun, WalksEveryDayToTodayAndTheNextRunGoesOnFromTheLastDayWithData) {
     }
 }
 
-// STOP is looked at only after a day with data; the stop is spent when the run is over.
-TEST_F(NseRun, StopTakesEffectAfterTheNextDayWithData) {
+// STOP is looked at only after a day with data, the close box after the day in hand, which then
+// closes the screen; values.dat names the last day written, and a stop is spent when the run is over.
+TEST_F(NseRun, StopAndCloseEndTheRunBetweenDays) {
     createSymbols({"ABC"}, {2026, 9, 30});
     for (int day : {1, 2, 5, 6, 7})
         serveDay({2026, 10, day}, bhavRow("ABC", bar(0, day)));
     platform_.todayDate = {2026, 10, 9};
-    NseDownloaderDialog dlg;
-    dlg.show();
-    dlg.folderEdit->setText(folder);
-    bool running = false;
-    onRequest = [&](const QString& target) {
-        if (target != path({2026, 10, 3}))   // a Saturday
-            return;
-        running = !dlg.closeButton->isEnabled() && dlg.beginDownloadButton->isHidden()
-                  && dlg.stopButton->isVisible() && dlg.progressTimer->interval() == 100
-                  && dlg.progressTimer->isActive();
-        dlg.stopButton->click();
-        EXPECT_TRUE(dlg.stopButton->isHidden());
-    };
-    dlg.beginDownloadButton->click();
-
-    EXPECT_TRUE(running);
-    EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 1}, {2026, 10, 5}));
-    EXPECT_EQ(lines(dlg.daysList),
-              QStringList({updated({2026, 10, 1}), updated({2026, 10, 2}), updated({2026, 10, 5})}));
-    EXPECT_EQ(valuesFile(), valuesText({2026, 10, 5}));
-    EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
-    expectIdle(dlg);
-    EXPECT_TRUE(dlg.isVisible());
-
-    onRequest = {};
-    server.targets.clear();
-    dlg.beginDownloadButton->click();
-    EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 6}, {2026, 10, 9}));
-    EXPECT_EQ(lines(dlg.daysList), QStringList({updated({2026, 10, 6}), updated({2026, 10, 7})}));
-    EXPECT_EQ(storedBars(folder, "ABC").size(), 5);
-    EXPECT_EQ(valuesFile(), valuesText({2026, 10, 7}));
-}
-
-// The screen's close box during a run: the day in hand is finished, with or without data, and
-// the screen goes; values.dat names the last day that was written.
-TEST_F(NseRun, ClosingTheScreenEndsTheRunAfterTheDayInHand) {
-    createSymbols({"ABC"}, {2026, 9, 30});
-    for (int day : {1, 2, 5})
-        serveDay({2026, 10, day}, bhavRow("ABC", bar(0, day)));
-    platform_.todayDate = {2026, 10, 9};
-    NseDownloaderDialog dlg;
-    dlg.show();
-    dlg.folderEdit->setText(folder);
-    onRequest = [&](const QString& target) {
-        if (target == path({2026, 10, 3})) {
-            EXPECT_FALSE(dlg.close());
+    for (bool closing : {true, false}) {
+        SCOPED_TRACE(closing ? "close box" : "Stop");
+        server.targets.clear();
+        platform_.boxes.clear();
+        NseDownloaderDialog dlg;
+        dlg.show();
+        dlg.folderEdit->setText(folder);
+        bool running = false;
+        onRequest = [&](const QString& target) {
+            if (target != path({2026, 10, 3}))   // a Saturday: the close box's day in hand, the stop's first day
+                return;
+            running = !dlg.closeButton->isEnabled() && dlg.beginDownloadButton->isHidden() && dlg.stopButton->isVisible()
+                      && dlg.progressTimer->interval() == 100 && dlg.progressTimer->isActive();
+            if (closing) {
+                EXPECT_FALSE(dlg.close());
+            } else {
+                dlg.stopButton->click();
+                EXPECT_TRUE(dlg.stopButton->isHidden());
+            }
+        };
+        dlg.beginDownloadButton->click();
+        EXPECT_TRUE(running);
+        EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
+        EXPECT_EQ(dlg.isVisible(), !closing);
+        if (closing) {
+            EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 1}, {2026, 10, 3}));
+            EXPECT_EQ(valuesFile(), valuesText({2026, 10, 2}));
+            EXPECT_EQ(storedBars(folder, "ABC"), QList<StoredBar>({bar(20261001, 1), bar(20261002, 2)}));
+            continue;
         }
-    };
-    dlg.beginDownloadButton->click();
-
-    EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 1}, {2026, 10, 3}));
-    EXPECT_EQ(valuesFile(), valuesText({2026, 10, 2}));
-    EXPECT_EQ(storedBars(folder, "ABC"), QList<StoredBar>({bar(20261001, 1), bar(20261002, 2)}));
-    EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
-    EXPECT_FALSE(dlg.isVisible());
+        EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 3}, {2026, 10, 5}));
+        EXPECT_EQ(lines(dlg.daysList), QStringList({updated({2026, 10, 5})}));
+        EXPECT_EQ(valuesFile(), valuesText({2026, 10, 5}));
+        expectIdle(dlg);
+        onRequest = {};
+        server.targets.clear();
+        dlg.beginDownloadButton->click();
+        EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 6}, {2026, 10, 9}));
+        EXPECT_EQ(lines(dlg.daysList), QStringList({updated({2026, 10, 6}), updated({2026, 10, 7})}));
+        EXPECT_EQ(storedBars(folder, "ABC").size(), 5);
+        EXPECT_EQ(valuesFile(), valuesText({2026, 10, 7}));
+    }
 }
 
 // Runs that fetch nothing: each ends with its own box, leaves values.dat as it was and the screen idle.
@@ -262,13 +221,7 @@ TEST_F(NseRun, RunsThatFetchNothing) {
 // The one day that has data decides whether values.dat moves: only rows handed to the writer count.
 TEST_F(NseRun, WhatCountsAsADayWithDataAndAsAWrittenRow) {
     const QByteArray abc = BhavHeader + bhavRow("ABC", bar(0, 7));
-    const struct {
-        const char* what;
-        QByteArray reply;
-        bool listed;
-        bool rewritten;
-        int abcRecords;
-    } cases[] = {
+    const struct { const char* what; QByteArray reply; bool listed; bool rewritten; int abcRecords; } cases[] = {
         {"2,000 characters", filler(abc, 2000).left(2000), false, false, 0},
         {"2,001 characters", filler(abc, 2000).left(2000) + "x", true, true, 1},
         {"2,001 characters of anything else", QByteArray(2001, 'x'), true, false, 0},
@@ -350,38 +303,27 @@ TEST_F(NseRun, FolderChooserAndProgressBar) {
     EXPECT_EQ(dlg.progressBar->value(), 1);
 }
 
-} // namespace
-
-namespace {
-
 // brindlemark-cli download bhavcopy: the same walk without a screen, bounded by --from and --to.
 TEST_F(NseRun, CommandLineWalksBetweenTheDaysGivenAndKeepsValuesAsTheScreenDoes) {
-    const auto cli = [](const QStringList& arguments, QStringList& lines) {
-        QString outText, errText;
-        QTextStream out(&outText), err(&errText);
-        const int status = runCli(arguments, out, err);
-        out.flush();
-        lines = outText.split(u'\n', Qt::SkipEmptyParts);
-        return status;
-    };
     createSymbols({"ABC", "XYZ"}, {2026, 11, 2});
     serveDay({2026, 11, 3}, bhavRow("ABC", whole(0, 10, 1500)));
     serveDay({2026, 11, 5}, bhavRow("XYZ", whole(0, 20, 700)));
-    QStringList lines;
-    ASSERT_EQ(cli({"download", "bhavcopy", folder, "--to", "20261104"}, lines), 0);
-    EXPECT_EQ(lines, (QStringList{updated({2026, 11, 3}), "1 days with data"}));
+    CliRun r = cli({"download", "bhavcopy", folder, "--to", "20261104"});
+    ASSERT_EQ(r.status, 0);
+    EXPECT_EQ(r.out, (QStringList{updated({2026, 11, 3}), "1 days with data"}));
     EXPECT_EQ(server.targets.size(), 2);
     EXPECT_EQ(valuesFile(), valuesText({2026, 11, 3}));
     EXPECT_EQ(storedBars(folder, "ABC"), (QList<StoredBar>{whole(20261103, 10, 1500)}));
 
-    ASSERT_EQ(cli({"download", "bhavcopy", folder, "--from", "20261105", "--to", "20261105"}, lines), 0);
-    EXPECT_EQ(lines, (QStringList{updated({2026, 11, 5}), "1 days with data"}));
+    r = cli({"download", "bhavcopy", folder, "--from", "20261105", "--to", "20261105"});
+    ASSERT_EQ(r.status, 0);
+    EXPECT_EQ(r.out, (QStringList{updated({2026, 11, 5}), "1 days with data"}));
     EXPECT_EQ(valuesFile(), valuesText({2026, 11, 5}));
     EXPECT_EQ(storedBars(folder, "XYZ"), (QList<StoredBar>{whole(20261105, 20, 700)}));
 
-    EXPECT_EQ(cli({"download", "bhavcopy"}, lines), 2);
-    EXPECT_EQ(cli({"download", "bhavcopy", folder, "--from", "2026"}, lines), 2);
-    EXPECT_EQ(cli({"download", "bhavcopy", temp.path() + "/no-store"}, lines), 1);
+    EXPECT_EQ(cli({"download", "bhavcopy"}).status, 2);
+    EXPECT_EQ(cli({"download", "bhavcopy", folder, "--from", "2026"}).status, 2);
+    EXPECT_EQ(cli({"download", "bhavcopy", temp.path() + "/no-store"}).status, 1);
 }
 
 } // namespace

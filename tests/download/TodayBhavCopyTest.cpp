@@ -3,9 +3,7 @@
 #include "DownloadTestKit.h"
 #include "ZipTestKit.h"
 
-#include "catalogue/CreateSymbols.h"
 #include "download/TodayBhavCopy.h"
-#include "frame/Failure.h"
 #include "download/ZipEngine.h"
 #include "download/ui/NseDownloaderDialog.h"
 #include "frame/Regional.h"
@@ -14,27 +12,19 @@
 
 namespace {
 
-QByteArray fixture(const QString& name) {
-    QFile file(QStringLiteral(BM_FIXTURES_DIR "/services/") + name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 QByteArray zipped(const QByteArray& csv, const QByteArray& name = "day.csv") { return makeArchive({ZipEntry::file(name, csv)}); }
 
 // The new form with its columns in another order than the exchange's, among others, CRLF line ends.
 const QByteArray Shuffled = "SctySrs,TckrSymb,Rmks,TtlTradgVol,ClsPric,LwPric,HghPric,OpnPric,FinInstrmNm\r\n";
 
 TEST(TodayBhavCopyRead, TheExchangesFilesInBothFormsOneRowPerSymbol) {
-    const struct {
-        const char* file;
-        QStringList symbols;
-        BhavRow sbin;
-    } cases[] = {
+    const struct { const char* file; QStringList symbols; BhavRow sbin; } cases[] = {
         {"BhavCopy_NSE_CM_0_0_0_20241104_F_0000.csv", {"RELIANCE", "SBIN", "ABCINFRA", "XYZFIN", "M&M"},
          {"SBIN", true, 820.00, 828.40, 812.15, 818.95, 11234567}},
         {"cm01JUL2024bhav.csv", {"RELIANCE", "SBIN", "ABCINFRA", "M&M"}, {"SBIN", true, 842.00, 848.90, 838.00, 845.35, 9876543}},
     };
     for (const auto& c : cases) {
-        const QByteArray csv = fixture(c.file);
+        const QByteArray csv = serviceFixture(c.file);
         if (csv.isEmpty())
             GTEST_SKIP() << c.file << " not found beside the repository";
         const auto rows = TodayBhavCopy::ReadArchive(zipped(csv, c.file));
@@ -53,17 +43,11 @@ TEST(TodayBhavCopyRead, RepliesThatHoldNoDayAndLinesThatGiveNoRow) {
     const QByteArray good = Shuffled + "EQ,ABC,,100,2,1,3,1.5,A\r\n";
     QByteArray crcBroken = makeArchive({[&] { ZipEntry e = ZipEntry::file("d.csv", good); e.store = true; return e; }()});
     crcBroken[crcBroken.indexOf("ABC")] = 'X';
-    const struct {
-        const char* what;
-        QByteArray archive;
-        QStringList symbols;   // empty: no data
-    } cases[] = {
+    const struct { const char* what; QByteArray archive; QStringList symbols; } cases[] = {
         {"HTML in the archive", zipped("<html><body>Access Denied</body></html>"), {}},
-        {"an empty member", zipped(""), {}},
-        {"a header only", zipped(Shuffled), {}},
+        {"an empty member", zipped(""), {}}, {"a header only", zipped(Shuffled), {}},
         {"a header lacking the volume", zipped("TckrSymb,SctySrs,OpnPric,HghPric,LwPric,ClsPric\nA,EQ,1,2,1,2\n"), {}},
-        {"a CRC that does not match", crcBroken, {}},
-        {"no archive", good, {}},
+        {"a CRC that does not match", crcBroken, {}}, {"no archive", good, {}},
         {"malformed lines only, one bad field each",
          zipped(Shuffled + "EQ,A,,1e999,2,1,3,1\nEQ,B,,1,2,1\nEQ,,,1,2,1,3,1\nEQ,C,,1,x,1,3,1\nEQ,D,,1,2,-,3,1\nEQ,E,,1,2,1,,1\nEQ,F,,1,2,1,3,1.2.3\n"), {}},
         {"a folder first, a BOM, CR line ends, a quoted name with a comma, blanks around",
@@ -91,21 +75,9 @@ TEST(TodayBhavCopyRead, TheMemberIsCappedInMemory) {
     EXPECT_FALSE(FirstMemberBytes(lying, 100000));
 }
 
-class TodayNseRun : public DownloadTest {
+class TodayNseRun : public NseDaysTest {
 protected:
-    TodayNseRun() {
-        platform_.settings["Sources/Bhavcopy"] = "today@" + server.endpoint();
-        server.setHandler([this](const QByteArray& target) {
-            return days.value(QString::fromLatin1(target), LoopbackReply::withStatus(404, "<html><body>Not Found</body></html>"));
-        });
-    }
-    void createSymbols(const QStringList& symbols, const QDate& from) {
-        SecurityWriter writer;
-        CreateSymbols::CreateSecurities(writer, folder, symbols, from);
-        CreateSymbols::WriteValuesFile(folder, from);
-    }
-    QString folder = temp.sub("nse");
-    QMap<QString, LoopbackReply> days;
+    TodayNseRun() : NseDaysTest("today@") {}
 };
 
 // A Friday in the older form, a weekend, the Monday the new form began, and a captive portal's
@@ -172,23 +144,6 @@ TEST_F(TodayNseRun, ADayNotFetchedIsAskedForAgain) {
     dlg.beginDownloadButton->click();
     EXPECT_EQ(server.targets.first(), "/content/cm/BhavCopy_NSE_CM_0_0_0_20241102_F_0000.csv.zip");
     EXPECT_EQ(storedBars(folder, "ABC").size(), 2);
-}
-
-// Today's protocol over HTTPS: certificate checks stay on, a failed transfer ends the walk.
-TEST_F(TodayNseRun, HttpsWithATrustedCertificateOnly) {
-    if (!LoopbackHttpServer::httpsAvailable())
-        GTEST_SKIP() << "no TLS in Qt or no openssl command to make a test certificate";
-    LoopbackHttpServer secure(LoopbackHttpServer::Scheme::Https);
-    secure.serve(LoopbackReply::ok(zipped(Shuffled + "EQ,ABC,,100,2,1,3,1.5,A\r\n")));
-    Inet inet;
-    TodayBhavCopy source(inet, secure.endpoint());
-    EXPECT_THROW(source.FetchDay({2024, 11, 4}), Failure);
-    TrustedLoopbackCertificate trust;
-    Inet fresh;
-    TodayBhavCopy trusting(fresh, secure.endpoint());
-    const auto rows = trusting.FetchDay({2024, 11, 4});
-    ASSERT_TRUE(rows);
-    EXPECT_EQ(rows->value(0).Close, 2);
 }
 
 } // namespace

@@ -11,8 +11,6 @@
 #include <QRegularExpression>
 #include <QStorageInfo>
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 
 namespace {
@@ -40,11 +38,6 @@ private:
 
 TEST_F(Unzipping, DefaultsExtractEverythingSilentlyAndOverwriteWithoutAsking) {
     ZipExtractor zip;
-    EXPECT_EQ(zip.MessageLevel(), 2);
-    EXPECT_TRUE(zip.HonorDirectories());
-    EXPECT_TRUE(zip.OverWriteFiles());
-    EXPECT_TRUE(zip.CaseSensitive());
-    EXPECT_FALSE(zip.PromptOverwrite());
     writeTextFile(at("top.txt"), "old");
     const QString path = archive({ZipEntry::file("top.txt", "new top"), ZipEntry::dir("data/"),
                                   ZipEntry::file("data/deep/x.dat", QByteArray(100000, 'x'))});
@@ -55,74 +48,43 @@ TEST_F(Unzipping, DefaultsExtractEverythingSilentlyAndOverwriteWithoutAsking) {
     EXPECT_TRUE(platform.boxes.isEmpty());
     EXPECT_EQ(ZipExtractor::GetLastMessage(), QString());
     EXPECT_EQ(tree(target), (QStringList{"data", "data/deep", "data/deep/x.dat", "top.txt"}));
-}
-
-TEST_F(Unzipping, ArgumentsAreStoredAndEmptyOnesKeepTheEarlierValues) {
-    const QString path = archive({ZipEntry::file("a.txt", "A")});
-    ZipExtractor zip;
-    zip.setZipFileName(path);
-    zip.setExtractDir(target);
-    EXPECT_EQ(zip.Unzip(), 0);
-    EXPECT_EQ(read("a.txt"), "A");
-    const QString other = root.sub("other");
-    EXPECT_EQ(zip.Unzip({}, other), 0);
-    EXPECT_EQ(zip.ZipFileName(), path);
-    EXPECT_EQ(zip.ExtractDir(), other);
-    EXPECT_EQ(readFileBytes(QDir(other).filePath("a.txt")), "A");
-}
-
-TEST_F(Unzipping, BooleansReadBackAndTheTwoNewerOptionsAreApart) {
-    ZipExtractor zip;
-    zip.setExtractNewer(true);
-    EXPECT_TRUE(zip.ExtractNewer());
-    EXPECT_FALSE(zip.ExtractOnlyNewer());
-    ZipExtractor other;
-    other.setExtractOnlyNewer(true);
-    EXPECT_TRUE(other.ExtractOnlyNewer());
-    EXPECT_FALSE(other.ExtractNewer());
-    other.setExtractOnlyNewer(false);
-    EXPECT_FALSE(other.ExtractOnlyNewer());
-    zip.setOverWriteFiles(false);
-    EXPECT_FALSE(zip.OverWriteFiles());
+    // The names given before stand in for empty arguments.
+    ZipExtractor stored;
+    stored.setZipFileName(path);
+    stored.setExtractDir(root.sub("other"));
+    EXPECT_EQ(stored.Unzip(), 0);
+    EXPECT_EQ(stored.Unzip({}, root.sub("again")), 0);
+    EXPECT_EQ(tree(root.sub("other")), tree(target));
+    EXPECT_EQ(tree(root.sub("again")), tree(target));
 }
 
 // On disk before: old.txt older than its member, new.txt newer; missing.txt is not there.
-struct NewerCase {
-    const char* name;
-    bool onlyNewer, freshen;
-    QStringList replaced;   // which files hold the archive's bytes afterwards
-};
-
-class NewerOptions : public Unzipping, public ::testing::WithParamInterface<NewerCase> {};
-
-TEST_P(NewerOptions, ChooseByModificationTime) {
-    const NewerCase& c = GetParam();
+TEST_F(Unzipping, NewerOptionsChooseByModificationTime) {
+    const struct { bool onlyNewer, freshen; QStringList replaced; } cases[] = {
+        {false, false, {"new.txt", "missing.txt", "old.txt"}}, {true, false, {"missing.txt", "old.txt"}}, {false, true, {"old.txt"}}};
     const time_t memberTime = 1600000000;
-    for (const char* name : {"old.txt", "new.txt"}) {
-        writeTextFile(at(name), "disk");
-        QFile file(at(name));
-        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-        file.setFileTime(QDateTime::fromSecsSinceEpoch(memberTime + (QByteArray(name) == "old.txt" ? -100 : 100)),
-                         QFileDevice::FileModificationTime);
-    }
     const QString path = archive({ZipEntry::file("old.txt", "zip", memberTime), ZipEntry::file("new.txt", "zip", memberTime),
                                   ZipEntry::file("missing.txt", "zip", memberTime)});
-    ZipExtractor zip;
-    zip.setExtractOnlyNewer(c.onlyNewer);
-    zip.setExtractNewer(c.freshen);
-    EXPECT_EQ(zip.Unzip(path, target), 0);
-    QStringList replaced;
-    for (const char* name : {"new.txt", "missing.txt", "old.txt"})
-        if (read(name) == "zip")
-            replaced.append(name);
-    EXPECT_EQ(replaced, c.replaced);
+    for (const auto& c : cases) {
+        QFile::remove(at("missing.txt"));
+        for (const char* name : {"old.txt", "new.txt"}) {
+            writeTextFile(at(name), "disk");
+            QFile file(at(name));
+            ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+            file.setFileTime(QDateTime::fromSecsSinceEpoch(memberTime + (QByteArray(name) == "old.txt" ? -100 : 100)),
+                             QFileDevice::FileModificationTime);
+        }
+        ZipExtractor zip;
+        zip.setExtractOnlyNewer(c.onlyNewer);
+        zip.setExtractNewer(c.freshen);
+        EXPECT_EQ(zip.Unzip(path, target), 0);
+        QStringList replaced;
+        for (const char* name : {"new.txt", "missing.txt", "old.txt"})
+            if (read(name) == "zip")
+                replaced.append(name);
+        EXPECT_EQ(replaced, c.replaced);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Cases, NewerOptions, ::testing::Values(
-    NewerCase{"everything", false, false, {"new.txt", "missing.txt", "old.txt"}},
-    NewerCase{"onlyNewer", true, false, {"missing.txt", "old.txt"}},
-    NewerCase{"freshen", false, true, {"old.txt"}}),
-    [](const auto& param) { return std::string(param.param.name); });
 
 TEST_F(Unzipping, WholeNumberOptionsThatPass16BitsFailWithTheSourceAndExtractNothing) {
     const QString path = archive({ZipEntry::file("a.txt", "A")});
@@ -177,18 +139,10 @@ TEST_F(Unzipping, APrintChunkThatBeginsWithALineFeedAddsOnlyALineEnd) {
 }
 
 TEST_F(Unzipping, ListingRowsAreEightyCharactersInTheirColumns) {
-    const QString header = ListingHeader();
-    EXPECT_EQ(header.size(), 82);
-    EXPECT_EQ(header.mid(0, 9), "Filename:");
-    EXPECT_EQ(header.mid(52, 4), "Size");
-    EXPECT_EQ(header.mid(61, 4), "Date");
-    EXPECT_EQ(header.mid(70, 4), "Time");
-    EXPECT_TRUE(header.endsWith("\r\n"));
-    const QString row = ListingRow(QString(60, 'n'), 1234, 3, 7, 2005, 9, 5);
-    EXPECT_EQ(row.size(), 82);
-    EXPECT_EQ(row.left(51), QString(50, 'n') + ' ');
-    EXPECT_EQ(row.mid(50, 7), "   1234");
-    EXPECT_EQ(row.mid(59, 15), "03/07/05   9:05");
+    const QString header = ListingHeader(), row = ListingRow(QString(60, 'n'), 1234, 3, 7, 2005, 9, 5);
+    EXPECT_EQ(QStringList({header.left(9), header.mid(52, 4), header.mid(61, 4), header.mid(70, 4), header.mid(80)}),
+              QStringList({"Filename:", "Size", "Date", "Time", "\r\n"}));
+    EXPECT_EQ(row, QString(50, 'n') + "   1234  03/07/05   9:05      \r\n");
     EXPECT_EQ(ListingRow("a", 123456789, 12, 31, 1999, 23, 59).mid(50, 7), "3456789");
 }
 
@@ -207,8 +161,7 @@ TEST_F(Unzipping, APasswordDeclinedIsNotAskedAgainInTheRun) {
     platform.typeNext("pw");
     EXPECT_EQ(zip.Unzip(path, target), 0);
     EXPECT_EQ(platform.prompts.size(), 1);
-    EXPECT_EQ(read("one.txt"), "secret one");
-    EXPECT_EQ(read("two.txt"), "secret two");
+    EXPECT_EQ(QByteArrayList({read("one.txt"), read("two.txt")}), QByteArrayList({"secret one", "secret two"}));
 
     platform.typeNext("wrong");
     platform.typeNext("wrong");
@@ -232,12 +185,11 @@ TEST_F(Unzipping, TheOverwriteBoxDecidesFileByFile) {
         zip.setPromptOverwrite(true);
         EXPECT_EQ(zip.Unzip(archive({ZipEntry::file("a.txt", "zip"), ZipEntry::file("b.txt", "zip")}), target), 0);
         ASSERT_EQ(platform.boxes.size(), c.boxes);
-        EXPECT_EQ(platform.boxes[0].title, "VBUnZip32 - File Already Exists!");
-        EXPECT_EQ(platform.boxes[0].text, "Overwrite " + QDir::toNativeSeparators(at("a.txt")) + "?");
-        EXPECT_EQ(platform.boxes[0].buttons, MsgButtons::YesNoCancel);
-        EXPECT_EQ(platform.boxes[0].icon, MsgIcon::Warning);
-        EXPECT_EQ(read("a.txt"), c.a);
-        EXPECT_EQ(read("b.txt"), c.b);
+        const ShownBox& box = platform.boxes[0];
+        EXPECT_EQ(std::tuple(box.title, box.text, box.buttons, box.icon),
+                  std::tuple(QString("VBUnZip32 - File Already Exists!"), "Overwrite " + QDir::toNativeSeparators(at("a.txt")) + "?",
+                             MsgButtons::YesNoCancel, MsgIcon::Warning));
+        EXPECT_EQ(QByteArrayList({read("a.txt"), read("b.txt")}), QByteArrayList({c.a, c.b}));
     }
     // Neither overwriting nor asking: what is there stays, what is missing comes.
     writeTextFile(at("a.txt"), "disk");
@@ -245,8 +197,7 @@ TEST_F(Unzipping, TheOverwriteBoxDecidesFileByFile) {
     ZipExtractor keep;
     keep.setOverWriteFiles(false);
     EXPECT_EQ(keep.Unzip(archive({ZipEntry::file("a.txt", "zip"), ZipEntry::file("b.txt", "zip")}), target), 0);
-    EXPECT_EQ(read("a.txt"), "disk");
-    EXPECT_EQ(read("b.txt"), "zip");
+    EXPECT_EQ(QByteArrayList({read("a.txt"), read("b.txt")}), QByteArrayList({"disk", "zip"}));
 }
 
 TEST_F(Unzipping, OptionsDoWhatTheirNamesSay) {
@@ -302,38 +253,20 @@ TEST_F(Unzipping, PermissionsOnlyWhenAskedAndNeverSetUid) {
     EXPECT_EQ(st.st_mode & 07777, 0755u);
 }
 
-// --- safety ---
-
-struct HostileCase {
-    const char* label;
-    QByteArray member;
-};
-
-class HostileArchives : public Unzipping, public ::testing::WithParamInterface<HostileCase> {};
-
-TEST_P(HostileArchives, NothingLandsOutsideTheTarget) {
-    QByteArray name = GetParam().member;
-    name.replace("<outside>", QFile::encodeName(root.file("outside.txt")));
-    const QString path = archive({ZipEntry::file(name, "evil"), ZipEntry::file("good.txt", "good")});
-    ZipExtractor zip;
-    EXPECT_EQ(zip.Unzip(path, target), ZipResult::Warning);
-    EXPECT_EQ(tree(root.path()).filter(QRegularExpression("^(?!in\\d+\\.zip$)")),
-              (QStringList{"sub", "sub/target", "sub/target/good.txt"}));
-    EXPECT_FALSE(QFileInfo::exists("/evil.txt"));
+TEST_F(Unzipping, NothingLandsOutsideTheTarget) {
+    for (QByteArray name : {"../evil.txt", "a/../../evil.txt", "..\\evil.txt", "a\\..\\..\\evil.txt", "<outside>",
+                            "/evil.txt", "\\evil.txt", "C:/evil.txt", "C:evil.txt", "./."}) {
+        SCOPED_TRACE(name.toStdString());
+        name.replace("<outside>", QFile::encodeName(root.file("outside.txt")));
+        QDir(root.sub("sub")).removeRecursively();
+        root.sub("sub/target");
+        ZipExtractor zip;
+        EXPECT_EQ(zip.Unzip(archive({ZipEntry::file(name, "evil"), ZipEntry::file("good.txt", "good")}), target), ZipResult::Warning);
+        EXPECT_EQ(tree(root.path()).filter(QRegularExpression("^(?!in\\d+\\.zip$)")),
+                  (QStringList{"sub", "sub/target", "sub/target/good.txt"}));
+        EXPECT_FALSE(QFileInfo::exists("/evil.txt"));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Names, HostileArchives, ::testing::Values(
-    HostileCase{"parent", "../evil.txt"},
-    HostileCase{"twoUp", "a/../../evil.txt"},
-    HostileCase{"backslashParent", "..\\evil.txt"},
-    HostileCase{"backslashTwoUp", "a\\..\\..\\evil.txt"},
-    HostileCase{"absolute", "<outside>"},
-    HostileCase{"rootSlash", "/evil.txt"},
-    HostileCase{"rootBackslash", "\\evil.txt"},
-    HostileCase{"driveSlash", "C:/evil.txt"},
-    HostileCase{"driveRelative", "C:evil.txt"},
-    HostileCase{"onlyDots", "./."}),
-    [](const auto& param) { return std::string(param.param.label); });
 
 TEST_F(Unzipping, LinksAreNeverCreatedNorWrittenThrough) {
     namespace fs = std::filesystem;
@@ -371,14 +304,6 @@ TEST_F(Unzipping, ADamagedMemberLeavesTheGoodFileAsItWas) {
     EXPECT_EQ(tester.Unzip(path), ZipResult::ArchiveError);
 }
 
-TEST_F(Unzipping, AMemberThatInflatesPastItsDeclaredSizeIsStopped) {
-    QByteArray bytes = makeArchive({ZipEntry::file("bomb.dat", QByteArray(1 << 20, '\0'))});
-    declareSize(bytes, 1000);
-    ZipExtractor zip;
-    EXPECT_EQ(zip.Unzip(archiveOf(bytes), target), ZipResult::ArchiveError);
-    EXPECT_TRUE(tree(target).isEmpty());
-}
-
 TEST_F(Unzipping, MembersLargerThanTheFreeSpaceStopBeforeAnythingIsWritten) {
     QList<ZipEntry> entries;
     for (int i = 0; i < 1000; ++i)
@@ -399,6 +324,9 @@ TEST_F(Unzipping, ResultNumbersTellTheOutcomesApart) {
     EXPECT_EQ(zip.Unzip(archiveOf(QByteArray("PK\x05\x06", 4) + QByteArray(18, 0)), target), ZipResult::Warning);
     QByteArray cut = makeArchive({ZipEntry::file("a.txt", QByteArray(5000, 'a'))});
     EXPECT_EQ(zip.Unzip(archiveOf(cut.left(cut.size() / 2)), target), ZipResult::NotFound);
+    QByteArray bomb = makeArchive({ZipEntry::file("bomb.dat", QByteArray(1 << 20, '\0'))});
+    declareSize(bomb, 1000);   // inflates past what it declares
+    EXPECT_EQ(zip.Unzip(archiveOf(bomb), target), ZipResult::ArchiveError);
     EXPECT_TRUE(tree(target).isEmpty());
 }
 

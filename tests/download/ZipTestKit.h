@@ -24,24 +24,9 @@ struct ZipEntry {
     bool store = false;          // stored, not deflated: the bytes stand in the archive as they are
     const char* password = nullptr;
 
-    static ZipEntry file(const QByteArray& name, const QByteArray& data, time_t mtime = 1600000000) {
-        ZipEntry e;
-        e.name = name;
-        e.data = data;
-        e.mtime = mtime;
-        return e;
-    }
-    static ZipEntry link(const QByteArray& name, const QByteArray& target) {
-        ZipEntry e = file(name, target);
-        e.unixMode = S_IFLNK | 0777;
-        return e;
-    }
-    static ZipEntry dir(const QByteArray& name) {
-        ZipEntry e;
-        e.name = name;
-        e.folder = true;
-        return e;
-    }
+    static ZipEntry file(const QByteArray& name, const QByteArray& data, time_t mtime = 1600000000) { return {name, data, mtime}; }
+    static ZipEntry link(const QByteArray& name, const QByteArray& target) { return {name, target, 1600000000, S_IFLNK | 0777}; }
+    static ZipEntry dir(const QByteArray& name) { return {name, {}, 1600000000, 0, true}; }
 };
 
 // The bytes of an archive holding these members.
