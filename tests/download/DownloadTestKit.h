@@ -80,8 +80,7 @@ inline QList<StoredBar> storedBars(const QString& folder, const QString& symbol)
 
 // A reply kept beside the repository; empty when it is not there.
 inline QByteArray serviceFixture(const QString& name) {
-    QFile file(QStringLiteral(BM_FIXTURES_DIR "/services/") + name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return readFileBytes(sharedFixture(QStringLiteral("services/") + name));
 }
 
 // Securities and values.dat as Create New Symbols leaves them.
