@@ -9,6 +9,7 @@
 #include "store/ReadProgress.h"
 #include "store/SecurityReader.h"
 #include "store/SecurityWriter.h"
+#include "support/ProgressRecorder.h"
 #include "support/ScriptedPlatform.h"
 #include "support/TestSupport.h"
 
@@ -50,28 +51,6 @@ QByteArray checkedSeparate(const QString& symbol) {
     return out;
 }
 
-// Progress windows that log what they are told, in the order told.
-struct ProgressLog {
-    struct Window : ReadProgress {
-        std::shared_ptr<QStringList> calls;
-        explicit Window(std::shared_ptr<QStringList> c) : calls(std::move(c)) {}
-        void Show() override { *calls << QStringLiteral("Show"); }
-        void Hide() override { *calls << QStringLiteral("Hide"); }
-        void SetRange(qint32 low, qint32 high) override { *calls << QStringLiteral("SetRange %1 %2").arg(low).arg(high); }
-        void SetCaption(const QString& text) override { *calls << QStringLiteral("SetCaption ") + text; }
-        void SetMessage(const QString& text) override { *calls << QStringLiteral("SetMessage ") + text; }
-        void SetStep(qint32 step) override { *calls << QStringLiteral("SetStep %1").arg(step); }
-        void StepIt() override { *calls << QStringLiteral("StepIt"); }
-        bool GetCancelled() const override {
-            *calls << QStringLiteral("GetCancelled");
-            return true;
-        }
-    };
-    std::shared_ptr<QStringList> calls = std::make_shared<QStringList>();
-    ProgressLog() { ReadProgress::setFactory([c = calls] { return std::make_unique<Window>(c); }); }
-    ~ProgressLog() { ReadProgress::setFactory({}); }
-};
-
 void makeSecurity(const QString& folder, const QString& symbol, const std::vector<std::array<double, 6>>& records) {
     SecurityWriter writer;
     writer.OpenFolder(folder);
@@ -87,7 +66,7 @@ class ConvertToCsv : public ::testing::Test {
 protected:
     ScriptedPlatform platform;
     TempFolder temp;
-    ProgressLog progress;
+    ProgressRecorder progress;
     std::unique_ptr<ConvertToCsvWindow> window = std::make_unique<ConvertToCsvWindow>();
 
     void chooseDataFolder(const QString& path) {
@@ -141,11 +120,11 @@ TEST_F(ConvertToCsv, MergedOutputOfTheVendorsFolderThroughTheScreen) {
     EXPECT_TRUE(readFileBytes(temp.file("out/data.csv")) == checkedMerged(false));
     // Each security: the window up with its message and range, one step a record, never asked
     // for a cancel, taken down at the end.
-    EXPECT_EQ(progress.calls->count("Show"), 3);
-    EXPECT_EQ(progress.calls->count("Hide"), 3);
-    EXPECT_EQ(progress.calls->count("SetMessage Converting Security"), 3);
-    EXPECT_EQ(progress.calls->count("GetCancelled"), 0);
-    EXPECT_EQ(progress.calls->last(), "Hide");
+    EXPECT_EQ(progress.calls.count("Show"), 3);
+    EXPECT_EQ(progress.calls.count("Hide"), 3);
+    EXPECT_EQ(progress.calls.count("SetMessage Converting Security"), 3);
+    EXPECT_EQ(progress.cancelQuestions, 0);
+    EXPECT_EQ(progress.calls.last(), "Hide");
     // The screen stays as it was.
     EXPECT_EQ(window->symbolsList->selectedItems().size(), 3);
     EXPECT_TRUE(window->mergeCheck->isChecked());
@@ -233,7 +212,7 @@ TEST_F(ConvertToCsv, EmptyFieldsAskForTheFolderAndStop) {
     EXPECT_EQ(platform.chooserTitles.last(), "Select the Destination Folder");
     EXPECT_EQ(window->destinationEdit->text(), temp.path() + "/out");
     EXPECT_TRUE(written().isEmpty()) << "the conversion does not go on by itself";
-    EXPECT_TRUE(progress.calls->isEmpty());
+    EXPECT_TRUE(progress.calls.isEmpty());
 }
 
 TEST_F(ConvertToCsv, NothingMarkedMakesAnEmptyMergedFile) {
@@ -281,7 +260,7 @@ TEST_F(ConvertToCsv, AFileThatCannotBeWrittenStopsWithABoxNamingIt) {
         for (bool merge : {true, false}) {
             SCOPED_TRACE(destination.toStdString() + (merge ? " merged" : " separate"));
             platform.boxes.clear();
-            progress.calls->clear();
+            progress.calls.clear();
             window->destinationEdit->setText(temp.file(destination));
             window->mergeCheck->setChecked(merge);
             window->convertButton->click();
@@ -291,7 +270,7 @@ TEST_F(ConvertToCsv, AFileThatCannotBeWrittenStopsWithABoxNamingIt) {
             EXPECT_TRUE(platform.boxes[0].text.contains(QDir::toNativeSeparators(
                 temp.file(destination + (merge ? "/data.csv" : "/BHP.csv")))))
                 << platform.boxes[0].text.toStdString();
-            EXPECT_TRUE(progress.calls->isEmpty() || progress.calls->last() == "Hide");
+            EXPECT_TRUE(progress.calls.isEmpty() || progress.calls.last() == "Hide");
         }
     }
 }
@@ -310,7 +289,7 @@ TEST_F(ConvertToCsv, AFailureHalfWayKeepsWhatWasWritten) {
             EXPECT_TRUE(failure.Description.contains(second)) << failure.Description.toStdString();
         }
         EXPECT_EQ(readFileBytes(temp.file("out/BHP.csv")), "Date,Open,High,Low,Close,Volume\r\n04/08/2005,1,2,3,4,5\r\n");
-        EXPECT_EQ(progress.calls->last(), "Hide");
+        EXPECT_EQ(progress.calls.last(), "Hide");
     }
     // Merged, the file holds what came before the failure.
     EXPECT_THROW(conversion.convert(store, temp.file("out"), {"BHP", "GONE"}, true), Failure);

@@ -8,6 +8,7 @@
 #include "store/ReadProgress.h"
 #include "store/SecurityReader.h"
 #include "store/SecurityWriter.h"
+#include "support/ProgressRecorder.h"
 #include "support/ScriptedPlatform.h"
 #include "support/TestSupport.h"
 
@@ -76,28 +77,6 @@ inline std::vector<qint32> datesOf(const QString& folder, const QString& symbol)
         dates.push_back(r.date);
     return dates;
 }
-
-// Progress windows that log what they are told ("Show", "SetRange 0 3", "StepIt", ..., "released")
-// and answer Cancelled once `cancelAfterSteps` steps have been made; installed while the object lives.
-struct ProgressRecorder {
-    QStringList calls;
-    int cancelAfterSteps = -1;
-    struct Window : ReadProgress {
-        ProgressRecorder* log;
-        explicit Window(ProgressRecorder* l) : log(l) {}
-        ~Window() override { log->calls << "released"; }
-        void Show() override { log->calls << "Show"; }
-        void Hide() override { log->calls << "Hide"; }
-        void SetRange(qint32 low, qint32 high) override { log->calls << QStringLiteral("SetRange %1 %2").arg(low).arg(high); }
-        void SetCaption(const QString& text) override { log->calls << "SetCaption " + text; }
-        void SetMessage(const QString& text) override { log->calls << "SetMessage " + text; }
-        void SetStep(qint32 step) override { log->calls << QStringLiteral("SetStep %1").arg(step); }
-        void StepIt() override { log->calls << "StepIt"; }
-        bool GetCancelled() const override { return log->cancelAfterSteps >= 0 && log->calls.count("StepIt") >= log->cancelAfterSteps; }
-    };
-    ProgressRecorder() { ReadProgress::setFactory([this] { return std::make_unique<Window>(this); }); }
-    ~ProgressRecorder() { ReadProgress::setFactory({}); }
-};
 
 // What a full load of three records tells its progress window.
 inline const QStringList LoadOfThree = {"Show", "SetRange 0 3", "SetStep 1", "SetCaption Read Security data...",
