@@ -9,7 +9,6 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QScrollBar>
-#include <QTimer>
 
 namespace {
 
@@ -109,18 +108,19 @@ TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
             makeSecurity(folder, symbol, symbol, {bar(20261001, 10)});
             addItem(symbol, {2026, 10, 1});
         }
-        LoopbackReply slow = LoopbackReply::ok(Header + line(bar(20261003, 12)) + line(bar(20261002, 11)));
-        slow.delayMs = 300;
-        replies[c.symbols[0]] = slow;
+        replies[c.symbols[0]] = LoopbackReply::ok(Header + line(bar(20261003, 12)) + line(bar(20261002, 11)));
 
         DownloadProgressWindow dlg;
-        QTimer::singleShot(100, &dlg, [&] {
+        onRequest = [&](const QString& symbol) {   // the user acts while the first security is in hand
+            if (symbol != c.symbols[0])
+                return;
             if (c.closeBox)
                 EXPECT_FALSE(dlg.close());
             else
                 dlg.cancelButton->click();
-        });
+        };
         dlg.load();
+        onRequest = {};
 
         EXPECT_EQ(lines(dlg.resultsList), QStringList({"Download Complete : " + c.symbols[0]}));
         EXPECT_EQ(server.targets.size(), 1);

@@ -139,6 +139,8 @@ protected:
         server.setHandler([this](const QByteArray& target) {
             const QString symbol = QUrlQuery(QString::fromLatin1(target.mid(target.indexOf('?') + 1)))
                                        .queryItemValue("s", QUrl::FullyDecoded);
+            if (onRequest)
+                onRequest(symbol);
             return replies.value(symbol, LoopbackReply::ok(Header));
         });
     }
@@ -146,6 +148,7 @@ protected:
     TempFolder temp;
     LoopbackHttpServer server;
     QMap<QString, LoopbackReply> replies;
+    std::function<void(const QString& symbol)> onRequest;   // sees each symbol asked for, before its reply
 };
 
 // The exchange's daily files on the loopback server: each target gets its entry of `days`, or the
