@@ -173,14 +173,12 @@ TEST(MainWindow, ChildWindowsOpenInsideTheAreaCascaded) {
     EXPECT_EQ(places.last(), QPoint(0, 0)) << "a window as large as the area stands at its corner";
 }
 
-TEST(MainWindow, StatusBarShowsTitleKeysAndTodaysDateAndFollowsThem) {
+TEST(MainWindow, StatusBarShowsTodaysDateAndTheKeysAndFollowsThem) {
     ScriptedPlatform p;
     p.todayDate = QDate(2026, 11, 3);
     for (const auto& [locale, date] : {std::pair{"en_GB", "03/11/2026"}, std::pair{"en_US", "11/3/2026"}}) {
         LocaleGuard l(QString::fromLatin1(locale));
-        MainWindow f;
-        EXPECT_EQ(f.titlePanel->text() + u'|' + f.insertPanel->text() + u'|' + f.capsPanel->text() + u'|' + f.datePanel->text(),
-                  QStringLiteral("Brindlemark v6 - ") + WebLinks::MakerLine + QStringLiteral("|INS|CAPS|") + QString::fromLatin1(date));
+        EXPECT_EQ(MainWindow().datePanel->text(), QString::fromLatin1(date));
     }
     // The date panel follows the calendar and the regional settings.
     LocaleGuard l(QStringLiteral("en_GB"));
@@ -208,22 +206,16 @@ TEST(MainWindow, StatusBarShowsTitleKeysAndTodaysDateAndFollowsThem) {
     }
 }
 
-TEST(AboutDialog, ShowsNameVersionMakerIsCentredAndLinkOpensTheMakersPage) {
+TEST(AboutDialog, IsCentredAndItsLinkLightsUpAndOpensTheMakersPage) {
     ScriptedPlatform p;
     AboutDialog about;
-    EXPECT_EQ(about.windowTitle(), QStringLiteral("About"));
-    for (const auto& [name, text] : {std::pair<const char*, QString>{"productLabel", "Brindlemark for Metastock"}, {"versionLabel", "Version 6  Revision 01"},
-                                     {"makerLabel", WebLinks::MakerLine}, {"webLink", WebLinks::MakerHomePage}, {"mailLabel", WebLinks::MakerEmail}})
-        EXPECT_EQ(child<QLabel>(&about, name)->text(), text) << name;
-    EXPECT_EQ(child<QPushButton>(&about, "okButton")->text(), QStringLiteral("OK"));
     EXPECT_FALSE(child<QLabel>(&about, "iconLabel")->pixmap().isNull());
     about.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&about));
     const QRect screen = about.screen()->geometry(), frame = about.frameGeometry();  // the window with its frame
     EXPECT_NEAR(frame.x(), screen.x() + (screen.width() - frame.width()) / 2, 1);
     EXPECT_NEAR(frame.y(), screen.y() + (screen.height() - frame.height()) / 2, 1);
-    // The link lights up under the pointer.
-    const auto moveOver = [&about](QWidget* widget) {
+    const auto moveOver = [&about](QWidget* widget) {  // the colour of the link once the pointer moved over a widget
         QMouseEvent move(QEvent::MouseMove, QPointF(3, 3), widget->mapToGlobal(QPointF(3, 3)), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
         QApplication::sendEvent(widget, &move);
         return about.webLink->palette().color(QPalette::WindowText);

@@ -121,15 +121,16 @@ TEST(StoreWriting, RecordsComeBackOldestFirstAndADateHeldIsReplaced) {
     w.ChangeQuote(QStringLiteral("20050803"), QStringLiteral("-1"), -1, 7, 8, 6, 7.5, 100, -1.0);
     // The date is the key: a change can't make a record of a date the security lacks.
     EXPECT_THROW(w.ChangeQuote(QStringLiteral("20050905"), QStringLiteral("-1"), -1, 1, 1, 1, 1, 1, -1), Failure);
+    addBars(w, {barOf(20050831), barOf(20050905)});  // a batch of a date missing before the last ones, and a new last date
     Dates expected(days.begin() + 1, days.end());
     expected.insert(expected.begin() + 4, 20050806);
     expected.insert(expected.begin(), 20050720);
-    expected.insert(expected.end(), {20050901, 20050902});
+    expected.insert(expected.end(), {20050831, 20050901, 20050902, 20050905});
     auto want = barsOf(expected);
     want[1] = {20050802, 1, 2, 0.5, 1.5, 77};
     want[2] = {20050803, 7, 8, 6, 7.5, 100};
-    want[11] = want[12] = {20050901, 5, 6, 4, 5.5, 9};
-    want[12].date = 20050902;
+    want[12] = want[13] = {20050901, 5, 6, 4, 5.5, 9};
+    want[13].date = 20050902;
     EXPECT_EQ(readBars(folder.path(), AAA), want);
 }
 
