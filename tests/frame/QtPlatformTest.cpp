@@ -13,34 +13,21 @@
 namespace {
 
 TEST(QtPlatform, MessageBoxShowsTextIconTitleAndButtonsAndGivesTheAnswer) {
-    const struct {
-        MsgIcon icon;
-        MsgButtons buttons;
-        QMessageBox::Icon shownIcon;
-        QMessageBox::StandardButtons shownButtons;
-        QMessageBox::StandardButton pressed;
-        MsgAnswer answer;
-    } cases[] = {
+    const struct { MsgIcon icon; MsgButtons buttons; QMessageBox::Icon shownIcon; QMessageBox::StandardButtons shownButtons;
+                   QMessageBox::StandardButton pressed; MsgAnswer answer; } cases[] = {
         {MsgIcon::Information, MsgButtons::Ok, QMessageBox::Information, QMessageBox::Ok, QMessageBox::Ok, MsgAnswer::Ok},
-        {MsgIcon::Question, MsgButtons::YesNo, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No,
-         QMessageBox::No, MsgAnswer::No},
-        {MsgIcon::None, MsgButtons::RetryCancel, QMessageBox::NoIcon, QMessageBox::Retry | QMessageBox::Cancel,
-         QMessageBox::Retry, MsgAnswer::Retry},
-    };
+        {MsgIcon::Question, MsgButtons::YesNo, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No, QMessageBox::No, MsgAnswer::No},
+        {MsgIcon::None, MsgButtons::RetryCancel, QMessageBox::NoIcon, QMessageBox::Retry | QMessageBox::Cancel, QMessageBox::Retry, MsgAnswer::Retry}};
     QtPlatform platform;
     for (const auto& c : cases) {
         onNextModal([&](QWidget* w) {
             auto* box = qobject_cast<QMessageBox*>(w);
             ASSERT_NE(box, nullptr);
-            EXPECT_EQ(box->windowTitle(), QStringLiteral("Hyperlink"));
-            EXPECT_EQ(box->text(), QStringLiteral("Could not open URL \nx"));
-            EXPECT_EQ(box->icon(), c.shownIcon);
-            EXPECT_EQ(box->standardButtons(), c.shownButtons);
+            EXPECT_EQ(box->windowTitle() + u'|' + box->text(), QStringLiteral("Hyperlink|Could not open URL \nx"));
+            EXPECT_TRUE(box->icon() == c.shownIcon && box->standardButtons() == c.shownButtons);
             box->button(c.pressed)->click();
         });
-        EXPECT_EQ(platform.messageBox(QStringLiteral("Could not open URL \nx"), c.icon, QStringLiteral("Hyperlink"),
-                                      c.buttons),
-                  c.answer);
+        EXPECT_EQ(platform.messageBox(QStringLiteral("Could not open URL \nx"), c.icon, QStringLiteral("Hyperlink"), c.buttons), c.answer);
     }
 }
 

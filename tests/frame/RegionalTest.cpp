@@ -11,150 +11,85 @@
 
 namespace {
 
-std::string show(const std::optional<QDate>& d) {
-    return d ? d->toString(Qt::ISODate).toStdString() : std::string("(none)");
-}
-
 TEST(DateToText, FollowsThePatternOfTheRegionalSettings) {
-    const struct {
-        const char* locale;
-        qint32 storeDate;
-        const char* expected;
-    } cases[] = {
-        // No date, under every setting.
-        {"en_GB", 0, "N/A"}, {"en_US", 0, "N/A"}, {"de_DE", 0, "N/A"}, {"ja_JP", 0, "N/A"}, {"C", 0, "N/A"},
+    const struct { const char* locale; qint32 storeDate; const char* expected; } cases[] = {
+        {"en_GB", 0, "N/A"}, {"en_US", 0, "N/A"}, {"de_DE", 0, "N/A"}, {"ja_JP", 0, "N/A"}, {"C", 0, "N/A"},  // no date
         // Day first, month first, year first.
-        {"en_GB", 20050806, "06/08/2005"}, {"en_US", 20050806, "8/6/2005"}, {"en_US", 20300101, "1/1/2030"},
-        {"de_DE", 20050806, "06.08.2005"}, {"de_DE", 20310215, "15.02.2031"}, {"ja_JP", 20050806, "2005/08/06"}, {"C", 20050806, "6 Aug 2005"},
-        // Other patterns: ISO order, single-digit fields, separators that do not stand between
-        // every pair of fields, a trailing separator.
-        {"sv_SE", 20050806, "2005-08-06"}, {"fi_FI", 20000229, "29.2.2000"},
-        {"sk_SK", 20050806, "6. 8. 2005"}, {"hu_HU", 20050806, "2005. 08. 06."},
-    };
+        {"en_GB", 20050806, "06/08/2005"}, {"en_US", 20050806, "8/6/2005"}, {"en_US", 20300101, "1/1/2030"}, {"de_DE", 20050806, "06.08.2005"},
+        {"de_DE", 20310215, "15.02.2031"}, {"ja_JP", 20050806, "2005/08/06"}, {"C", 20050806, "6 Aug 2005"},
+        // ISO order, single-digit fields, separators not between every pair of fields, a trailing separator.
+        {"sv_SE", 20050806, "2005-08-06"}, {"fi_FI", 20000229, "29.2.2000"}, {"sk_SK", 20050806, "6. 8. 2005"}, {"hu_HU", 20050806, "2005. 08. 06."}};
     ScriptedPlatform p;
     for (const auto& c : cases) {
         LocaleGuard locale(QString::fromLatin1(c.locale));
-        EXPECT_EQ(DateToText(c.storeDate), QString::fromUtf8(c.expected))
-            << c.locale << " pattern " << Regional::shortDatePattern().toStdString();
+        EXPECT_EQ(DateToText(c.storeDate), QString::fromUtf8(c.expected)) << c.locale << " pattern " << Regional::shortDatePattern().toStdString();
     }
-}
-
-TEST(DateToText, ReadsBackToTheSameDateInEveryLocale) {
-    ScriptedPlatform p;
-    const qint32 dates[] = {20050806, 20050608, 19991231, 20000229, 19300101, 20291231, 20120110,
-                            20300101, 20991231, 19291231, 18991231};
-    for (const char* name : {"en_GB", "en_US", "de_DE", "en_IN", "ja_JP", "C", "fr_FR", "ko_KR", "nl_NL", "sv_SE", "fi_FI", "sk_SK", "hu_HU"}) {
-        LocaleGuard locale(QString::fromLatin1(name));
-        for (qint32 d : dates) {
+    // Separator and pattern come from the regional settings, and what is written reads back.
+    const struct { const char* locale; const char* sep; const char* pattern; } patterns[] = {{"en_GB", "/", "dd/MM/yyyy"}, {"en_US", "/", "M/d/yyyy"},
+        {"de_DE", ".", "dd.MM.yyyy"}, {"en_IN", "/", "dd/MM/yyyy"}, {"ja_JP", "/", "yyyy/MM/dd"}, {"nl_NL", "-", "dd-MM-yyyy"}, {"C", nullptr, nullptr},
+        {"fr_FR", nullptr, nullptr}, {"ko_KR", nullptr, nullptr}, {"sv_SE", nullptr, nullptr}, {"fi_FI", nullptr, nullptr}, {"sk_SK", nullptr, nullptr}, {"hu_HU", nullptr, nullptr}};
+    for (const auto& c : patterns) {
+        LocaleGuard locale(QString::fromLatin1(c.locale));
+        if (c.sep) {
+            EXPECT_EQ(GetDateSeparator() + u' ' + GetShortDatePattern(), QString::fromLatin1(c.sep) + u' ' + QString::fromLatin1(c.pattern)) << c.locale;
+        }
+        for (qint32 d : {20050806, 20050608, 19991231, 20000229, 19300101, 20291231, 20120110, 20300101, 20991231, 19291231, 18991231}) {
             const QString text = DateToText(d);
             const auto back = Regional::readDate(text);
-            ASSERT_TRUE(back.has_value()) << name << ": " << text.toStdString();
-            EXPECT_EQ(Regional::toStoreDate(*back), d) << name << ": " << text.toStdString();
+            EXPECT_EQ(back ? Regional::toStoreDate(*back) : -1, d) << c.locale << ": " << text.toStdString();
         }
-    }
-}
-
-TEST(DateToText, SeparatorAndPatternComeFromTheRegionalSettings) {
-    ScriptedPlatform p;
-    const struct { const char* locale; const char* sep; const char* pattern; } cases[] = {
-        {"en_GB", "/", "dd/MM/yyyy"}, {"en_US", "/", "M/d/yyyy"}, {"de_DE", ".", "dd.MM.yyyy"},
-        {"en_IN", "/", "dd/MM/yyyy"},
-        {"ja_JP", "/", "yyyy/MM/dd"}, {"nl_NL", "-", "dd-MM-yyyy"}};
-    for (const auto& c : cases) {
-        LocaleGuard locale(QString::fromLatin1(c.locale));
-        EXPECT_EQ(GetDateSeparator(), QString::fromLatin1(c.sep)) << c.locale;
-        EXPECT_EQ(GetShortDatePattern(), QString::fromLatin1(c.pattern)) << c.locale;
     }
 }
 
 TEST(ReadDate, ReadsDatesAsUsersTypeThem) {
-    const struct {
-        const char* locale;
-        const char* text;
-        const char* expected;   // ISO, or nullptr when the text is no date
-    } cases[] = {
+    const struct { const char* locale; const char* text; const char* expected; } cases[] = {  // ISO, or nullptr: no date
         // The short pattern, with any separator.
-        {"en_GB", "06/08/2005", "2005-08-06"}, {"en_GB", " 6-8-2005 ", "2005-08-06"},
-        {"en_US", "8/6/05", "2005-08-06"},     {"en_US", "08/06/2005", "2005-08-06"},
-        {"de_DE", "06.08.05", "2005-08-06"},   {"ja_JP", "2005/08/06", "2005-08-06"},
+        {"en_GB", "06/08/2005", "2005-08-06"}, {"en_GB", " 6-8-2005 ", "2005-08-06"}, {"en_US", "8/6/05", "2005-08-06"},
+        {"en_US", "08/06/2005", "2005-08-06"}, {"de_DE", "06.08.05", "2005-08-06"}, {"ja_JP", "2005/08/06", "2005-08-06"},
         // The long form.
         {"en_GB", "Saturday, 6 August 2005", "2005-08-06"}, {"en_US", "Saturday, August 6, 2005", "2005-08-06"},
         {"de_DE", "Samstag, 6. August 2005", "2005-08-06"}, {"ja_JP", "2005年8月6日", "2005-08-06"},
         // ISO, "2 January 2004" and "2-Jan-2004" in every locale.
-        {"en_GB", "2005-08-06", "2005-08-06"}, {"en_US", "2004-01-02", "2004-01-02"},
-        {"de_DE", "2004-01-02", "2004-01-02"},
-        {"en_GB", "2 January 2004", "2004-01-02"}, {"en_US", "2 January 2004", "2004-01-02"},
-        {"de_DE", "2 January 2004", "2004-01-02"}, {"de_DE", "2. Januar 2004", "2004-01-02"},
-        {"en_GB", "2-Jan-2004", "2004-01-02"},     {"en_US", "2-Jan-2004", "2004-01-02"},
-        {"de_DE", "2-Jan-2004", "2004-01-02"},     {"en_US", "August 6, 2005", "2005-08-06"},
+        {"en_GB", "2005-08-06", "2005-08-06"}, {"en_US", "2004-01-02", "2004-01-02"}, {"de_DE", "2004-01-02", "2004-01-02"},
+        {"en_GB", "2 January 2004", "2004-01-02"}, {"en_US", "2 January 2004", "2004-01-02"}, {"de_DE", "2 January 2004", "2004-01-02"},
+        {"de_DE", "2. Januar 2004", "2004-01-02"}, {"en_GB", "2-Jan-2004", "2004-01-02"}, {"en_US", "2-Jan-2004", "2004-01-02"},
+        {"de_DE", "2-Jan-2004", "2004-01-02"}, {"en_US", "August 6, 2005", "2005-08-06"},
         // Two-digit years fall in 1930..2029.
         {"en_GB", "1/1/29", "2029-01-01"}, {"en_GB", "1/1/30", "1930-01-01"}, {"en_GB", "31/12/99", "1999-12-31"},
         {"en_US", "1/2/29", "2029-01-02"}, {"en_US", "1/2/30", "1930-01-02"}, {"de_DE", "1.1.29", "2029-01-01"},
         // Rubbish.
-        {"en_GB", "29/02/2005", nullptr}, {"en_GB", "32/01/2005", nullptr}, {"en_GB", "08/13/2005", nullptr},
-        {"en_GB", "2005-13-01", nullptr}, {"en_GB", "06/08", nullptr},      {"en_GB", "06/08/2005/1", nullptr},
-        {"en_GB", "rubbish", nullptr},    {"en_GB", "6 Augustus 2005", nullptr}, {"en_GB", "", nullptr},
-        {"en_GB", "N/A", nullptr},        {"en_GB", "06/08/205", nullptr},  {"en_US", "31/12/2005", nullptr},
-        {"de_DE", "Quatsch", nullptr},
-    };
+        {"en_GB", "29/02/2005", nullptr}, {"en_GB", "32/01/2005", nullptr}, {"en_GB", "08/13/2005", nullptr}, {"en_GB", "2005-13-01", nullptr},
+        {"en_GB", "06/08", nullptr}, {"en_GB", "06/08/2005/1", nullptr}, {"en_GB", "rubbish", nullptr}, {"en_GB", "6 Augustus 2005", nullptr},
+        {"en_GB", "", nullptr}, {"en_GB", "N/A", nullptr}, {"en_GB", "06/08/205", nullptr}, {"en_US", "31/12/2005", nullptr}, {"de_DE", "Quatsch", nullptr}};
     for (const auto& c : cases) {
         LocaleGuard locale(QString::fromLatin1(c.locale));
-        const auto want = c.expected ? std::optional<QDate>(QDate::fromString(QString::fromLatin1(c.expected), Qt::ISODate))
-                                     : std::nullopt;
-        EXPECT_EQ(show(Regional::readDate(QString::fromUtf8(c.text))), show(want)) << c.locale << " \"" << c.text << "\"";
+        const auto got = Regional::readDate(QString::fromUtf8(c.text));
+        EXPECT_EQ(got ? got->toString(Qt::ISODate).toStdString() : "(none)", c.expected ? c.expected : "(none)") << c.locale << " \"" << c.text << "\"";
     }
 }
 
 TEST(ReadNumber, ReadsNumbersWithTheLocalesSeparators) {
-    const struct {
-        const char* locale;
-        const char* text;
-        std::optional<double> expected;
-    } cases[] = {
-        {"en_GB", "12.5", 12.5},   {"en_GB", " 7 ", 7.0},       {"en_GB", "-3.25", -3.25},
-        {"en_GB", "+5", 5.0},      {"en_GB", "1,234.5", 1234.5}, {"en_GB", "1e3", 1000.0},
-        {"en_GB", "98765.4321", 98765.4321},
-        {"en_GB", "", std::nullopt},     {"en_GB", "abc", std::nullopt}, {"en_GB", "12.5.1", std::nullopt},
-        {"en_GB", "1e999", std::nullopt}, {"en_GB", "-", std::nullopt},  {"en_GB", ".", std::nullopt},
-        {"en_GB", "12,5", std::nullopt},   // a misplaced group separator
-        {"de_DE", "12,5", 12.5},   {"de_DE", "1.234,5", 1234.5}, {"de_DE", "-0,75", -0.75},
-        {"de_DE", "12,5,1", std::nullopt}, {"de_DE", "zwölf", std::nullopt},
-    };
+    const struct { const char* locale; const char* text; std::optional<double> expected; } cases[] = {
+        {"en_GB", "12.5", 12.5}, {"en_GB", " 7 ", 7.0}, {"en_GB", "-3.25", -3.25}, {"en_GB", "+5", 5.0}, {"en_GB", "1,234.5", 1234.5},
+        {"en_GB", "1e3", 1000.0}, {"en_GB", "98765.4321", 98765.4321}, {"en_GB", "", {}}, {"en_GB", "abc", {}}, {"en_GB", "12.5.1", {}},
+        {"en_GB", "1e999", {}}, {"en_GB", "-", {}}, {"en_GB", ".", {}}, {"en_GB", "12,5", {}},  // a misplaced group separator
+        {"de_DE", "12,5", 12.5}, {"de_DE", "1.234,5", 1234.5}, {"de_DE", "-0,75", -0.75}, {"de_DE", "12,5,1", {}}, {"de_DE", "zwölf", {}}};
     for (const auto& c : cases) {
         LocaleGuard locale(QString::fromLatin1(c.locale));
-        const auto got = Regional::readNumber(QString::fromUtf8(c.text));
-        ASSERT_EQ(got.has_value(), c.expected.has_value()) << c.locale << " \"" << c.text << "\"";
-        if (got) {
-            EXPECT_DOUBLE_EQ(*got, *c.expected) << c.locale << " \"" << c.text << "\"";
-        }
+        EXPECT_EQ(Regional::readNumber(QString::fromUtf8(c.text)), c.expected) << c.locale << " \"" << c.text << "\"";
     }
 }
 
 TEST(NumberText, PlainNumberAndPriceTextFollowTheLocale) {
-    const struct {
-        const char* locale;
-        double value;
-        const char* number;
-        const char* price;
-    } cases[] = {
-        {"en_GB", 12.5, "12.5", "12.50"},
-        {"en_GB", 1234567.891, "1234567.891", "1234567.89"},
-        {"en_GB", 0.1 + 0.2, "0.3", "0.30"},
-        {"en_GB", -0.0, "0", "0.00"},
-        {"en_GB", -0.001, "-0.001", "0.00"},
-        {"en_GB", 2.675, "2.675", "2.67"},   // 2.675 is 2.67499... in binary
-        {"en_GB", 99.999, "99.999", "100.00"},
-        {"de_DE", 1500000, "1500000", "1500000,00"},
-        {"de_DE", -1.5, "-1,5", "-1,50"},
-    };
+    const struct { const char* locale; double value; const char* number; const char* price; } cases[] = {
+        {"en_GB", 12.5, "12.5", "12.50"}, {"en_GB", 1234567.891, "1234567.891", "1234567.89"}, {"en_GB", 0.1 + 0.2, "0.3", "0.30"},
+        {"en_GB", -0.0, "0", "0.00"}, {"en_GB", -0.001, "-0.001", "0.00"}, {"en_GB", 2.675, "2.675", "2.67"},  // 2.675 is 2.67499... in binary
+        {"en_GB", 99.999, "99.999", "100.00"}, {"de_DE", 1500000, "1500000", "1500000,00"}, {"de_DE", -1.5, "-1,5", "-1,50"}};
     for (const auto& c : cases) {
         LocaleGuard locale(QString::fromLatin1(c.locale));
-        EXPECT_EQ(Regional::numberText(c.value), QString::fromLatin1(c.number)) << c.locale << " " << c.value;
-        EXPECT_EQ(Regional::priceText(c.value), QString::fromLatin1(c.price)) << c.locale << " " << c.value;
-        // What is written reads back to the same number.
-        const auto back = Regional::readNumber(Regional::numberText(c.value));
-        ASSERT_TRUE(back.has_value()) << c.locale << " " << c.value;
-        EXPECT_NEAR(*back, c.value, 1e-9 * std::max(1.0, std::abs(c.value)));
+        EXPECT_EQ(Regional::numberText(c.value) + u' ' + Regional::priceText(c.value), QString::fromLatin1(c.number) + u' ' + QString::fromLatin1(c.price)) << c.locale << " " << c.value;
+        const auto back = Regional::readNumber(Regional::numberText(c.value));  // what is written reads back
+        EXPECT_NEAR(back.value_or(1e300), c.value, 1e-9 * std::max(1.0, std::abs(c.value)));
     }
 }
 
@@ -162,8 +97,7 @@ TEST(StoreDates, TurnIntoDatesAndBack) {
     EXPECT_EQ(Regional::toStoreDate(QDate(2005, 8, 6)), 20050806);
     EXPECT_EQ(Regional::toStoreDate(QDate()), 0);
     EXPECT_EQ(Regional::fromStoreDate(20050806), QDate(2005, 8, 6));
-    EXPECT_FALSE(Regional::fromStoreDate(0).isValid());
-    EXPECT_FALSE(Regional::fromStoreDate(20050230).isValid());
+    EXPECT_FALSE(Regional::fromStoreDate(0).isValid() || Regional::fromStoreDate(20050230).isValid());
     EXPECT_EQ(Regional::yyyymmdd(QDate(1999, 1, 2)), "19990102");
     EXPECT_EQ(Regional::fromYyyymmdd(QStringLiteral("19990102")), QDate(1999, 1, 2));
 }

@@ -9,11 +9,90 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <map>
-
 namespace {
 
 const auto Days = tradingDays(20050801, 20);  // 1 Aug .. 26 Aug 2005
+using Step = std::function<void(SecurityWriter&)>;
+
+void expectCheckedClean(const QString& folder) {
+    for (const auto& f : StoreCheck::checkFolder(folder))
+        EXPECT_FALSE(f.problem) << f.text.toStdString();
+}
+
+// Runs `steps` on a copy of `base`, each passed over when it fails as the download runs do: once
+// with no fault, to count its writes, and then once for each of its writes failing, stopping the
+// store dead, or torn in half; `verify` checks each folder left behind.
+// `mayHoldNoStore`: `base` holds no store, and a folder left without one is as it was.
+void atEveryWrite(const QString& base, const std::vector<Step>& steps, const std::function<void(const QString&)>& verify,
+                  bool mayHoldNoStore = false) {
+    TempFolder folder;
+    const auto run = [&] {
+        for (const auto& [name, bytes] : snapshot(folder.path()))
+            QFile::remove(folder.file(name));
+        copyFolder(base, folder.path());
+        SecurityWriter w;
+        passOver([&] { w.OpenFolder(folder.path()); });
+        for (const Step& step : steps)
+            passOver([&] { step(w); });
+        passOver([&] { w.CloseFolder(); });
+    };
+    StoreFiles::disarmFault();
+    run();
+    const int total = StoreFiles::writeCount();
+    ASSERT_GT(total, 0);
+    for (const auto fault : {StoreFiles::Fault::Fail, StoreFiles::Fault::Crash, StoreFiles::Fault::Torn}) {
+        for (int k = 1; k <= total && !::testing::Test::HasFailure(); ++k) {
+            SCOPED_TRACE("fault " + std::to_string(int(fault)) + " at write " + std::to_string(k) + " of " + std::to_string(total));
+            StoreFiles::armFault(k, fault);
+            run();
+            StoreFiles::disarmFault();
+            if (!mayHoldNoStore || QFileInfo::exists(folder.file(QStringLiteral("MASTER"))))
+                expectCheckedClean(folder.path());
+            verify(folder.path());
+        }
+    }
+}
+
+void createEmpty(SecurityWriter& w, const QString& symbol) {  // Create New Symbols
+    if (w.SymbolExists(symbol))
+        w.DeleteSecurity(symbol);
+    w.CreateSecurity(symbol, symbol, 1);
+    w.AddQuote(20050801, 0, 0, 0, 0, 0, 0, 0);
+    w.DeleteQuote(QStringLiteral("20050801"));
+    w.CloseSecurity();
+}
+
+// The changes a day of use makes.
+const std::vector<Step> DayOfUse = {
+    [](SecurityWriter& w) { createEmpty(w, QStringLiteral("NEW")); },
+    [](SecurityWriter& w) {  // one NSE day
+        for (const char* symbol : {"AAA", "NEW"}) {
+            w.OpenSecurity(QString::fromLatin1(symbol));
+            w.AddQuote(20050829, 0, 1, 2, 0.5, 1.5, 10, 0);
+            w.SaveQuotes();
+        }
+    },
+    [](SecurityWriter& w) {  // a Yahoo merge over the last three days and one new one
+        w.OpenSecurity(QStringLiteral("BBB"));
+        for (qint32 d : {20050829, 20050826, 20050825, 20050824}) {
+            if (w.DateExists(QString::number(d)))
+                w.DeleteQuote(QString::number(d));
+            const Bar b = barOf(d, 500);
+            w.AddQuote(d, 0, b.open, b.high, b.low, b.close, b.volume, 0);
+        }
+        w.SaveQuotes();
+    },
+    [](SecurityWriter& w) {  // the record dialog: insert, change, delete
+        w.OpenSecurity(QStringLiteral("AAA"));
+        if (!w.DateExists(QStringLiteral("20050806")))
+            w.AddQuote(20050806, -1, 3, 4, 2, 3.5, 30, -1);
+    },
+    [](SecurityWriter& w) { w.OpenSecurity(QStringLiteral("AAA")), w.ChangeQuote(QStringLiteral("20050801"), QStringLiteral("-1"), -1, 9, 9, 9, 9, 9, -1); },
+    [](SecurityWriter& w) { w.OpenSecurity(QStringLiteral("BBB")), w.DeleteQuote(QStringLiteral("20050802")), w.SaveQuotes(); },
+    [](SecurityWriter& w) { w.FindSecurity(QStringLiteral("CCC")), w.DeleteQuotes(QStringLiteral("20050801"), QStringLiteral("20050810")); },
+    [](SecurityWriter& w) { w.ChangeSecurity(QStringLiteral("BBB"), QStringLiteral("BBB RENAMED"), QStringLiteral("BBX")); },
+    [](SecurityWriter& w) { w.DeleteSecurity(QStringLiteral("DDD")); },
+};
 
 void makeBase(const QString& folder) {
     double base = 10;
@@ -23,166 +102,32 @@ void makeBase(const QString& folder) {
     }
 }
 
-void expectCheckedClean(const QString& folder) {
-    for (const auto& f : StoreCheck::checkFolder(folder))
-        EXPECT_FALSE(f.problem) << f.text.toStdString();
-}
-
-// Puts a folder back to the files it had, writing only what differs.
-void restore(const QString& folder, const std::map<QString, QByteArray>& files) {
-    const auto now = snapshot(folder);
-    for (const auto& [name, bytes] : now)
-        if (!files.count(name))
-            QFile::remove(QDir(folder).filePath(name));
-    for (const auto& [name, bytes] : files)
-        if (!now.count(name) || now.at(name) != bytes)
-            writeTextFile(QDir(folder).filePath(name), bytes);
-}
-
-// Runs `run` on a copy of `base` once with no fault, to count its writes, and then once for
-// each of its writes failing, stopping the store dead, or torn in half; `verify` checks each
-// folder left behind.
-// `mayHoldNoStore`: `base` holds no store, and a folder left without one is as it was.
-void atEveryWrite(const QString& base, const std::function<void(const QString&)>& run,
-                  const std::function<void(const QString&)>& verify, bool mayHoldNoStore = false) {
-    const auto files = snapshot(base);
-    TempFolder folder;
-    copyFolder(base, folder.path());
-    StoreFiles::disarmFault();
-    run(folder.path());
-    const int total = StoreFiles::writeCount();
-    ASSERT_GT(total, 0);
-    const std::pair<StoreFiles::Fault, const char*> faults[] = {
-        {StoreFiles::Fault::Fail, "fail"}, {StoreFiles::Fault::Crash, "crash"}, {StoreFiles::Fault::Torn, "torn"}};
-    for (const auto& [fault, label] : faults) {
-        for (int k = 1; k <= total; ++k) {
-            SCOPED_TRACE(std::string(label) + " at write " + std::to_string(k) + " of " + std::to_string(total));
-            restore(folder.path(), files);
-            StoreFiles::armFault(k, fault);
-            run(folder.path());
-            StoreFiles::disarmFault();
-            if (!mayHoldNoStore || QFileInfo::exists(folder.file(QStringLiteral("MASTER"))))
-                expectCheckedClean(folder.path());
-            verify(folder.path());
-            if (::testing::Test::HasFailure())
-                return;
-        }
-    }
-}
-
-// The changes a day of use makes, each step passed over when it fails, as the download runs do.
-void runChanges(const QString& folder) {
-    SecurityWriter w;
-    passOver([&] { w.OpenFolder(folder); });
-    // Create New Symbols.
-    passOver([&] {
-        if (w.SymbolExists(QStringLiteral("NEW")))
-            w.DeleteSecurity(QStringLiteral("NEW"));
-        w.CreateSecurity(QStringLiteral("NEW"), QStringLiteral("NEW"), 1);
-        w.AddQuote(20050801, 0, 0, 0, 0, 0, 0, 0);
-        w.DeleteQuote(QStringLiteral("20050801"));
-        w.CloseSecurity();
-    });
-    // One NSE day.
-    for (const char* symbol : {"AAA", "NEW"}) {
-        passOver([&] {
-            w.OpenSecurity(QString::fromLatin1(symbol));
-            w.AddQuote(20050829, 0, 1, 2, 0.5, 1.5, 10, 0);
-            w.SaveQuotes();
-            w.CloseSecurity();
-        });
-    }
-    // A Yahoo merge over the last three days and one new one.
-    passOver([&] {
-        w.OpenSecurity(QStringLiteral("BBB"));
-        for (qint32 d : {20050829, 20050826, 20050825, 20050824}) {
-            if (w.DateExists(QString::number(d)))
-                w.DeleteQuote(QString::number(d));
-            const Bar b = barOf(d, 500);
-            w.AddQuote(d, 0, b.open, b.high, b.low, b.close, b.volume, 0);
-        }
-        w.SaveQuotes();
-        w.CloseSecurity();
-    });
-    // The record dialog: insert, change, delete.
-    passOver([&] {
-        w.OpenSecurity(QStringLiteral("AAA"));
-        if (!w.DateExists(QStringLiteral("20050806")))
-            w.AddQuote(20050806, -1, 3, 4, 2, 3.5, 30, -1);
-        w.CloseSecurity();
-    });
-    passOver([&] {
-        w.OpenSecurity(QStringLiteral("AAA"));
-        w.ChangeQuote(QStringLiteral("20050801"), QStringLiteral("-1"), -1, 9, 9, 9, 9, 9, -1);
-        w.CloseSecurity();
-    });
-    passOver([&] {
-        w.OpenSecurity(QStringLiteral("BBB"));
-        w.DeleteQuote(QStringLiteral("20050802"));
-        w.SaveQuotes();
-        w.CloseSecurity();
-    });
-    // Delete Data, Adjust Security.
-    passOver([&] {
-        w.FindSecurity(QStringLiteral("CCC"));
-        w.DeleteQuotes(QStringLiteral("20050801"), QStringLiteral("20050810"));
-        w.CloseSecurity();
-    });
-    passOver([&] { w.ChangeSecurity(QStringLiteral("BBB"), QStringLiteral("BBB RENAMED"), QStringLiteral("BBX")); });
-    passOver([&] { w.DeleteSecurity(QStringLiteral("DDD")); });
-    passOver([&] { w.CloseFolder(); });
-}
-
-std::map<qint32, Bar> byDate(const std::vector<Bar>& bars) {
-    std::map<qint32, Bar> out;
-    for (const Bar& b : bars)
-        out[b.date] = b;
-    return out;
-}
-
 // What must hold after the changes stopped anywhere.
 void expectNothingLost(const QString& folder) {
     std::map<QString, std::vector<Bar>> now;
     for (const Listed& l : listFolder(folder))
         now[l.symbol] = readBars(folder, l.symbol);
-
-    // DDD: as it was, or deleted as a whole.
-    if (now.count(QStringLiteral("DDD"))) {
-        EXPECT_EQ(now[QStringLiteral("DDD")], barsOf(Days, 10));
-    }
-
-    // AAA: every old record but the changed one as it was; that one old or new.
-    ASSERT_TRUE(now.count(QStringLiteral("AAA")));
-    auto aaa = byDate(now[QStringLiteral("AAA")]);
-    for (const Bar& old : barsOf(Days, 110)) {
-        ASSERT_TRUE(aaa.count(old.date)) << old.date;
-        if (old.date == 20050801) {
-            EXPECT_TRUE(aaa[old.date] == old || aaa[old.date] == (Bar{20050801, 9, 9, 9, 9, 9}));
-        } else {
-            EXPECT_EQ(aaa[old.date], old);
-        }
-    }
-
-    // BBB (or BBX after the rename): the records the merge and the delete leave alone.
+    EXPECT_TRUE(!now.count(QStringLiteral("DDD")) || now[QStringLiteral("DDD")] == barsOf(Days, 10));  // as it was, or gone
+    // AAA: every old record but the changed one as it was; that one old or new. BBB (or BBX after
+    // the rename): the records the merge and the delete leave alone, and the merged days.
     const bool renamed = now.count(QStringLiteral("BBX")) > 0;
     EXPECT_NE(renamed, now.count(QStringLiteral("BBB")) > 0);
-    auto bbb = byDate(now[renamed ? QStringLiteral("BBX") : QStringLiteral("BBB")]);
-    for (const Bar& old : barsOf(Days, 210)) {
-        if (old.date == 20050802 || old.date >= 20050824)
-            continue;
-        ASSERT_TRUE(bbb.count(old.date)) << old.date;
-        EXPECT_EQ(bbb[old.date], old);
+    for (const auto& [symbol, base] : {std::pair{QStringLiteral("AAA"), 110}, std::pair{renamed ? QStringLiteral("BBX") : QStringLiteral("BBB"), 210}}) {
+        std::map<qint32, Bar> held;
+        for (const Bar& b : now[symbol])
+            held[b.date] = b;
+        for (const Bar& old : barsOf(Days, base)) {
+            if (base == 210 && (old.date == 20050802 || old.date >= 20050824))
+                continue;
+            ASSERT_TRUE(held.count(old.date)) << old.date;
+            EXPECT_TRUE(held[old.date] == old || (base == 110 && held[old.date] == Bar{20050801, 9, 9, 9, 9, 9})) << old.date;
+        }
+        for (qint32 d : {20050824, 20050825, 20050826})
+            EXPECT_TRUE(base == 110 || held.count(d)) << d;
     }
-    for (qint32 d : {20050824, 20050825, 20050826})
-        ASSERT_TRUE(bbb.count(d)) << d;
-
     // CCC: the range went as a whole or not at all.
-    ASSERT_TRUE(now.count(QStringLiteral("CCC")));
-    const auto ccc = now[QStringLiteral("CCC")];
     const auto all = barsOf(Days, 310);
-    std::vector<Bar> cut;
-    std::copy_if(all.begin(), all.end(), std::back_inserter(cut), [](const Bar& b) { return b.date > 20050810; });
-    EXPECT_TRUE(ccc == all || ccc == cut);
+    EXPECT_TRUE(now[QStringLiteral("CCC")] == all || now[QStringLiteral("CCC")] == std::vector<Bar>(all.begin() + 8, all.end()));
 }
 
 class StoreFaults : public ::testing::Test {
@@ -192,24 +137,21 @@ protected:
 
 } // namespace
 
-TEST_F(StoreFaults, ChangesWithoutFaultsDoWhatTheySay) {
-    TempFolder folder;
-    makeBase(folder.path());
-    runChanges(folder.path());
+TEST_F(StoreFaults, EveryWriteCanFailOrStopTheStoreAndNothingIsLost) {
+    TempFolder base, folder;
+    makeBase(base.path());
+    // Without a fault the changes do what they say.
+    copyFolder(base.path(), folder.path());
+    writeFolder(folder.path(), [](SecurityWriter& w) { for (const Step& step : DayOfUse) step(w); });
     QStringList symbols;
     for (const Listed& l : listFolder(folder.path()))
         symbols << l.symbol;
-    EXPECT_EQ(symbols, (QStringList{QStringLiteral("AAA"), QStringLiteral("BBX"), QStringLiteral("CCC"), QStringLiteral("NEW")}));
+    EXPECT_EQ(symbols.join(u' '), QStringLiteral("AAA BBX CCC NEW"));
     EXPECT_EQ(readDates(folder.path(), QStringLiteral("NEW")), std::vector<qint32>{20050829});
     EXPECT_EQ(readDates(folder.path(), QStringLiteral("CCC")).front(), 20050811);
     EXPECT_EQ(readBars(folder.path(), QStringLiteral("BBX")).back(), barOf(20050829, 500));
     expectCheckedClean(folder.path());
-}
-
-TEST_F(StoreFaults, EveryWriteCanFailOrStopTheStoreAndNothingIsLost) {
-    TempFolder base;
-    makeBase(base.path());
-    atEveryWrite(base.path(), runChanges, expectNothingLost);
+    atEveryWrite(base.path(), DayOfUse, expectNothingLost);
 }
 
 TEST_F(StoreFaults, TheSecurityThatOpensXmasterCanFailAtEveryWrite) {
@@ -220,52 +162,30 @@ TEST_F(StoreFaults, TheSecurityThatOpensXmasterCanFailAtEveryWrite) {
             w.AddQuote(20050801, -1, i, i, i, i, i, -1);
         }
     });
-    auto create = [](const QString& folder) {
-        SecurityWriter w;
-        passOver([&] { w.OpenFolder(folder); });
-        passOver([&] {
-            w.CreateSecurity(QStringLiteral("X256"), QStringLiteral("X256"), 1);
-            w.AddQuote(20050802, -1, 1, 1, 1, 1, 1, -1);
-        });
-        passOver([&] { w.CloseFolder(); });
+    const Step create = [](SecurityWriter& w) {
+        w.CreateSecurity(QStringLiteral("X256"), QStringLiteral("X256"), 1);
+        w.AddQuote(20050802, -1, 1, 1, 1, 1, 1, -1);
     };
-    atEveryWrite(base.path(), create, [](const QString& folder) {
+    atEveryWrite(base.path(), {create}, [](const QString& folder) {
         const auto listed = listFolder(folder);
         ASSERT_GE(listed.size(), 255u);
         EXPECT_EQ(listed[254].file, QStringLiteral("F255.DAT"));
         EXPECT_EQ(readBars(folder, QStringLiteral("S255")), (std::vector<Bar>{{20050801, 255, 255, 255, 255, 255}}));
-        if (listed.size() == 256) {
-            EXPECT_EQ(listed.back().file, QStringLiteral("F256.MWD"));
-        }
+        EXPECT_EQ(listed.back().file, listed.size() == 256 ? QStringLiteral("F256.MWD") : QStringLiteral("F255.DAT"));
     });
 }
 
 TEST_F(StoreFaults, TheFirstCreateInAnEmptyFolderCanStopAtEveryWrite) {
     TempFolder base;
-    auto create = [](const QString& folder) {
-        SecurityWriter w;
-        passOver([&] { w.OpenFolder(folder); });
-        passOver([&] {
-            w.CreateSecurity(QStringLiteral("NEW"), QStringLiteral("NEW"), 1);
-            w.AddQuote(20050801, 0, 0, 0, 0, 0, 0, 0);
-            w.DeleteQuote(QStringLiteral("20050801"));
-            w.CloseSecurity();
-        });
-        passOver([&] { w.CloseFolder(); });
-    };
-    atEveryWrite(base.path(), create, [](const QString& folder) {
+    atEveryWrite(base.path(), {[](SecurityWriter& w) { createEmpty(w, QStringLiteral("NEW")); }}, [](const QString& folder) {
         // Never a folder the program refuses: the security is there, or the same create makes it.
-        SecurityWriter w;
-        w.OpenFolder(folder);
-        if (!w.SymbolExists(QStringLiteral("NEW"))) {
-            w.CreateSecurity(QStringLiteral("NEW"), QStringLiteral("NEW"), 1);
-            w.AddQuote(20050801, -1, 1, 1, 1, 1, 1, -1);
-        }
-        w.CloseFolder();
+        writeFolder(folder, [](SecurityWriter& w) {
+            if (!w.SymbolExists(QStringLiteral("NEW")))
+                createEmpty(w, QStringLiteral("NEW"));
+        });
         const auto listed = listFolder(folder);
         ASSERT_EQ(listed.size(), 1u);
-        EXPECT_EQ(listed[0].symbol, QStringLiteral("NEW"));
-        EXPECT_EQ(listed[0].file, QStringLiteral("F1.DAT"));  // a file left empty is taken over
+        EXPECT_EQ(listed[0].symbol + listed[0].file, QStringLiteral("NEWF1.DAT"));  // a file left empty is taken over
         expectCheckedClean(folder);
     }, true);
 }

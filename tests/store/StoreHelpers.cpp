@@ -8,30 +8,25 @@
 #include <QFile>
 
 std::vector<Listed> listFolder(const QString& folder) {
-    SecurityReader reader;
-    reader.OpenFolder(folder);
+    SecurityReader r;
+    r.OpenFolder(folder);
     std::vector<Listed> out;
-    while (reader.GetSecuritiesRemaining() > 0) {
-        reader.NextSecurity();
-        out.push_back({reader.GetSymbol(), reader.GetName(), reader.GetFileName(), reader.GetFirstDate(),
-                       reader.GetLastDate()});
+    while (r.GetSecuritiesRemaining() > 0) {
+        r.NextSecurity();
+        out.push_back({r.GetSymbol(), r.GetName(), r.GetFileName(), r.GetFirstDate(), r.GetLastDate()});
     }
-    reader.CloseFolder();
     return out;
 }
 
 std::vector<Bar> readBars(const QString& folder, const QString& symbol) {
-    SecurityReader reader;
-    reader.OpenFolder(folder);
-    reader.OpenSecurity(symbol);
+    SecurityReader r;
+    r.OpenFolder(folder);
+    r.OpenSecurity(symbol);
     std::vector<Bar> out;
-    while (reader.GetRecordsRemaining() > 0) {
-        reader.NextRecord();
-        out.push_back({reader.GetDate(), reader.GetOpen(), reader.GetHigh(), reader.GetLow(), reader.GetClose(),
-                       reader.GetVolume()});
+    while (r.GetRecordsRemaining() > 0) {
+        r.NextRecord();
+        out.push_back({r.GetDate(), r.GetOpen(), r.GetHigh(), r.GetLow(), r.GetClose(), r.GetVolume()});
     }
-    reader.CloseSecurity();
-    reader.CloseFolder();
     return out;
 }
 
@@ -80,10 +75,7 @@ void writeFolder(const QString& folder, const std::function<void(SecurityWriter&
 }
 
 void makeSecurity(const QString& folder, const QString& symbol, const std::vector<qint32>& dates, double base) {
-    writeFolder(folder, [&](SecurityWriter& w) {
-        w.CreateSecurity(symbol, symbol, 1);
-        addBars(w, barsOf(dates, base));
-    });
+    writeFolder(folder, [&](SecurityWriter& w) { w.CreateSecurity(symbol, symbol, 1), addBars(w, barsOf(dates, base)); });
 }
 
 std::map<QString, QByteArray> snapshot(const QString& folder) {

@@ -27,7 +27,6 @@ std::vector<Listed> listFolder(const QString& folder);
 // Every record of a security, as a sheet reads them.
 std::vector<Bar> readBars(const QString& folder, const QString& symbol);
 std::vector<qint32> readDates(const QString& folder, const QString& symbol);
-
 // Adds records with mark 0 and saves them.
 void addBars(SecurityWriter& writer, const std::vector<Bar>& bars);
 // A bar whose values derive from its date, so that any record can be told from any other.
@@ -39,9 +38,9 @@ std::vector<qint32> tradingDays(qint32 from, int count);
 void writeFolder(const QString& folder, const std::function<void(SecurityWriter&)>& change);
 // Adds a security to a folder (made when it has no store) holding barOf() of each date.
 void makeSecurity(const QString& folder, const QString& symbol, const std::vector<qint32>& dates, double base = 10.0);
-
 // The files of a folder and their bytes (for a link, where it leads).
 std::map<QString, QByteArray> snapshot(const QString& folder);
 void copyFolder(const QString& from, const QString& to);
 // The description of the Failure that `step` raises; "(no failure)" when it raises none.
 std::string failureText(const std::function<void()>& step);
+inline bool contains(const std::string& text, const char* part) { return text.find(part) != std::string::npos; }
