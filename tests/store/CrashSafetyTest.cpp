@@ -25,11 +25,17 @@ void expectCheckedClean(const QString& folder) {
 // `mayHoldNoStore`: `base` holds no store, and a folder left without one is as it was.
 void atEveryWrite(const QString& base, const std::vector<Step>& steps, const std::function<void(const QString&)>& verify,
                   bool mayHoldNoStore = false) {
+    const auto files = snapshot(base);
     TempFolder folder;
     const auto run = [&] {
-        for (const auto& [name, bytes] : snapshot(folder.path()))
-            QFile::remove(folder.file(name));
-        copyFolder(base, folder.path());
+        // Back to the base's files, writing only what differs (a folder of hundreds of securities).
+        const auto now = snapshot(folder.path());
+        for (const auto& [name, bytes] : now)
+            if (!files.count(name))
+                QFile::remove(folder.file(name));
+        for (const auto& [name, bytes] : files)
+            if (!now.count(name) || now.at(name) != bytes)
+                writeTextFile(folder.file(name), bytes);
         SecurityWriter w;
         passOver([&] { w.OpenFolder(folder.path()); });
         for (const Step& step : steps)
@@ -62,16 +68,20 @@ void createEmpty(SecurityWriter& w, const QString& symbol) {  // Create New Symb
     w.CloseSecurity();
 }
 
-// The changes a day of use makes.
+Step nseRow(const QString& symbol) {
+    return [symbol](SecurityWriter& w) {
+        w.OpenSecurity(symbol);
+        w.AddQuote(20050829, 0, 1, 2, 0.5, 1.5, 10, 0);
+        w.SaveQuotes();
+        w.CloseSecurity();
+    };
+}
+
+// The changes a day of use makes, each step closing what it opened.
 const std::vector<Step> DayOfUse = {
     [](SecurityWriter& w) { createEmpty(w, QStringLiteral("NEW")); },
-    [](SecurityWriter& w) {  // one NSE day
-        for (const char* symbol : {"AAA", "NEW"}) {
-            w.OpenSecurity(QString::fromLatin1(symbol));
-            w.AddQuote(20050829, 0, 1, 2, 0.5, 1.5, 10, 0);
-            w.SaveQuotes();
-        }
-    },
+    nseRow(QStringLiteral("AAA")),   // one NSE day, each row on its own
+    nseRow(QStringLiteral("NEW")),
     [](SecurityWriter& w) {  // a Yahoo merge over the last three days and one new one
         w.OpenSecurity(QStringLiteral("BBB"));
         for (qint32 d : {20050829, 20050826, 20050825, 20050824}) {
@@ -81,14 +91,16 @@ const std::vector<Step> DayOfUse = {
             w.AddQuote(d, 0, b.open, b.high, b.low, b.close, b.volume, 0);
         }
         w.SaveQuotes();
+        w.CloseSecurity();
     },
     [](SecurityWriter& w) {  // the record dialog: insert, change, delete
         w.OpenSecurity(QStringLiteral("AAA"));
         if (!w.DateExists(QStringLiteral("20050806")))
             w.AddQuote(20050806, -1, 3, 4, 2, 3.5, 30, -1);
+        w.CloseSecurity();
     },
-    [](SecurityWriter& w) { w.OpenSecurity(QStringLiteral("AAA")), w.ChangeQuote(QStringLiteral("20050801"), QStringLiteral("-1"), -1, 9, 9, 9, 9, 9, -1); },
-    [](SecurityWriter& w) { w.OpenSecurity(QStringLiteral("BBB")), w.DeleteQuote(QStringLiteral("20050802")), w.SaveQuotes(); },
+    [](SecurityWriter& w) { w.OpenSecurity(QStringLiteral("AAA")), w.ChangeQuote(QStringLiteral("20050801"), QStringLiteral("-1"), -1, 9, 9, 9, 9, 9, -1), w.CloseSecurity(); },
+    [](SecurityWriter& w) { w.OpenSecurity(QStringLiteral("BBB")), w.DeleteQuote(QStringLiteral("20050802")), w.SaveQuotes(), w.CloseSecurity(); },
     [](SecurityWriter& w) { w.FindSecurity(QStringLiteral("CCC")), w.DeleteQuotes(QStringLiteral("20050801"), QStringLiteral("20050810")); },
     [](SecurityWriter& w) { w.ChangeSecurity(QStringLiteral("BBB"), QStringLiteral("BBB RENAMED"), QStringLiteral("BBX")); },
     [](SecurityWriter& w) { w.DeleteSecurity(QStringLiteral("DDD")); },
