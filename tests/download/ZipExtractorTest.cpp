@@ -58,20 +58,20 @@ TEST_F(Unzipping, DefaultsExtractEverythingSilentlyAndOverwriteWithoutAsking) {
     EXPECT_EQ(tree(root.sub("again")), tree(target));
 }
 
-// On disk before: old.txt older than its member, new.txt newer; missing.txt is not there.
+// On disk before: old.txt older than its member, new.txt newer, same.txt as old; missing.txt is not there.
 TEST_F(Unzipping, NewerOptionsChooseByModificationTime) {
     const struct { bool onlyNewer, freshen; QStringList replaced; } cases[] = {
-        {false, false, {"new.txt", "missing.txt", "old.txt"}}, {true, false, {"missing.txt", "old.txt"}}, {false, true, {"old.txt"}}};
+        {false, false, {"new.txt", "missing.txt", "old.txt", "same.txt"}}, {true, false, {"missing.txt", "old.txt"}}, {false, true, {"old.txt"}}};
     const time_t memberTime = 1600000000;
     const QString path = archive({ZipEntry::file("old.txt", "zip", memberTime), ZipEntry::file("new.txt", "zip", memberTime),
-                                  ZipEntry::file("missing.txt", "zip", memberTime)});
+                                  ZipEntry::file("missing.txt", "zip", memberTime), ZipEntry::file("same.txt", "zip", memberTime)});
     for (const auto& c : cases) {
         QFile::remove(at("missing.txt"));
-        for (const char* name : {"old.txt", "new.txt"}) {
+        for (const char* name : {"old.txt", "new.txt", "same.txt"}) {
             writeTextFile(at(name), "disk");
             QFile file(at(name));
             ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-            file.setFileTime(QDateTime::fromSecsSinceEpoch(memberTime + (QByteArray(name) == "old.txt" ? -100 : 100)),
+            file.setFileTime(QDateTime::fromSecsSinceEpoch(memberTime + (QByteArray(name) == "old.txt" ? -100 : QByteArray(name) == "new.txt" ? 100 : 0)),
                              QFileDevice::FileModificationTime);
         }
         ZipExtractor zip;
@@ -79,7 +79,7 @@ TEST_F(Unzipping, NewerOptionsChooseByModificationTime) {
         zip.setExtractNewer(c.freshen);
         EXPECT_EQ(zip.Unzip(path, target), 0);
         QStringList replaced;
-        for (const char* name : {"new.txt", "missing.txt", "old.txt"})
+        for (const char* name : {"new.txt", "missing.txt", "old.txt", "same.txt"})
             if (read(name) == "zip")
                 replaced.append(name);
         EXPECT_EQ(replaced, c.replaced);

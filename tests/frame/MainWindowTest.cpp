@@ -239,7 +239,8 @@ TEST(MainWindow, MenuEntriesAndToolbarOpenTheirScreens) {
     const struct { const char* entry; int toolbar; const char* caption; bool chart; } cases[] = {
         {"newSymbolAction", 1, "Create New Symbols", false}, {"openDataAction", 2, "Open Security", false}, {"openChartAction", 3, "Open Security", true},
         {"worldExchangesAction", 0, "Downloader", false}, {"symbolLookupAction", 0, "Symbol Lookup", false}, {"nseIndiaAction", 0, "NSE Downloader", false},
-        {"aboutAction", 0, "About", false}, {"aboutAction", -1, "About", false}};
+        {"nseIndexAction", 0, "NSE Indices Download", false}, {"adjustSymbolAction", 0, "Adjust Security", false},
+        {"adjustDataAction", 0, "Delete Data", false}, {"aboutAction", 0, "About", false}, {"aboutAction", -1, "About", false}};
     for (const auto& c : cases) {
         for (const bool viaToolbar : {false, true}) {
             if (viaToolbar && c.toolbar <= 0)
@@ -270,4 +271,15 @@ TEST(MainWindow, MenuEntriesAndToolbarOpenTheirScreens) {
             EXPECT_TRUE(f.childArea->subWindowList().isEmpty()) << what;
         }
     }
+    // Convert opens a child window each time, and nothing modal.
+    ScriptedPlatform p;
+    MainWindow f;
+    f.show();
+    for (int i = 0; i < 2; ++i)
+        f.findChild<QAction*>("convertAction")->trigger();
+    QStringList titles;
+    for (QMdiSubWindow* sub : f.childArea->subWindowList())
+        titles << sub->widget()->windowTitle();
+    EXPECT_EQ(titles, QStringList({"Convert To CSV File", "Convert To CSV File"}));
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }

@@ -162,6 +162,7 @@ TEST(StoreWriting, SeedOfANewSecurityIsItsFirstAndLastDateUntilRecordsCome) {
 
 TEST(StoreWriting, SecuritiesAreFoundByTheirSymbolAfterOthersAreDeletedInTheSameFolder) {
     TempFolder folder;
+    writeTextFile(folder.file("F5.DAT"), QByteArray(64, 'x'));   // another program's file: F5 is taken
     SecurityWriter w;
     w.OpenFolder(folder.path());
     for (const char* symbol : {"AAA", "BBB", "CCC", "DDD"})
@@ -172,14 +173,17 @@ TEST(StoreWriting, SecuritiesAreFoundByTheirSymbolAfterOthersAreDeletedInTheSame
     w.OpenSecurity(QStringLiteral("ccc"));
     w.AddQuote(20050801, -1, 1, 1, 1, 1, 1, -1);
     w.DeleteSecurity(AAA);
-    w.CreateSecurity(QStringLiteral("BBB"), QString(), 1);
+    w.CreateSecurity(QStringLiteral("BBB"), QString(), 1);   // never in a file that goes at the close
+    w.AddQuote(20050803, -1, 3, 3, 3, 3, 3, -1);
     w.OpenSecurity(QStringLiteral("DDD"));
     w.AddQuote(20050802, -1, 2, 2, 2, 2, 2, -1);
     w.CloseFolder();
     const auto listed = listFolder(folder.path());
     ASSERT_EQ(listed.size(), 3u);
-    EXPECT_EQ(listed[0].symbol + listed[1].symbol + listed[2].symbol + listed[2].file, QStringLiteral("CCCDDDBBBF5.DAT"));
+    EXPECT_EQ(listed[0].symbol + listed[1].symbol + listed[2].symbol + listed[2].file, QStringLiteral("CCCDDDBBBF6.DAT"));
     EXPECT_EQ(readDates(folder.path(), QStringLiteral("DDD")), Dates{20050802});
+    EXPECT_EQ(readDates(folder.path(), QStringLiteral("BBB")), Dates{20050803});
+    EXPECT_EQ(readFileBytes(folder.file("F5.DAT")), QByteArray(64, 'x'));
     // The data files of the deleted securities went once the index no longer listed them.
     EXPECT_FALSE(exists(folder, "F1.DAT") || exists(folder, "F2.DAT"));
     // Another program's folder may hold symbols that differ only in case: the exact one is found.
