@@ -208,7 +208,10 @@ TEST(MainWindow, StatusBarShowsTodaysDateAndTheKeysAndFollowsThem) {
 
 TEST(AboutDialog, IsCentredAndItsLinkLightsUpAndOpensTheMakersPage) {
     ScriptedPlatform p;
-    AboutDialog about;
+    QWidget owner;   // a window in the screen's corner: the box is centred on the screen, not on it
+    owner.setGeometry(0, 0, 200, 150);
+    owner.show();
+    AboutDialog about(&owner);
     EXPECT_FALSE(child<QLabel>(&about, "iconLabel")->pixmap().isNull());
     about.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&about));
