@@ -175,6 +175,8 @@ TEST(ChartReplyReading, SessionsTheReaderKeepsOrLeaves) {
                R"("gmtoffset":-18000,"exchangeTimezoneName":"Nowhere/Land")"), {"2024-11-03"}},
         {"neither zone nor offset: UTC", chart({{nov4}}, R"("currency":"INR")"), {"2024-11-04"}},
         {"a timestamp beyond the calendar", chart({{qint64(1) << 50}, {nov4}}), {"2024-11-04"}},
+        {"the first second of 1900 and the last of 9999 are on it", chart({{-2208988800}, {253402300799}}, "\"currency\":\"INR\""),
+         {"9999-12-31", "1900-01-01"}},
         {"a timestamp without prices behind it", chart({{nov4}}).replace("\"timestamp\":[", "\"timestamp\":[1730778300,"), {"2024-11-05"}},
         {"result null", R"({"chart":{"result":null,"error":null}})", {}},
         {"no quote object", R"({"chart":{"result":[{"timestamp":[1730691900],"indicators":{}}]}})", {}},
