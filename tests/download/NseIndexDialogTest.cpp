@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTest>
 
 namespace {
 
@@ -213,14 +214,18 @@ TEST_F(IndexScreenToday, ShowsTheDayInHandAndStopsOnceItIsWritten) {
 }
 
 TEST_F(IndexScreenToday, ClosedDuringARunItGoesOnceTheDayInHandIsWritten) {
-    NseIndexDialog dialog;
-    serveWeekdays(dialog);
-    during = [&] { dialog.close(); };
-    run(dialog, folder);
-    EXPECT_EQ(server.targets, QList<QByteArray>{"/content/indices/ind_close_all_02112024.csv"});
-    EXPECT_FALSE(dialog.isVisible());
-    EXPECT_TRUE(platform.boxes.isEmpty());
-    EXPECT_EQ(storedBars(folder, "NIFTY50").last().date, 20241101);
+    for (const bool escape : {false, true}) {
+        SCOPED_TRACE(escape ? "Escape" : "the close box");
+        server.targets.clear();
+        NseIndexDialog dialog;
+        serveWeekdays(dialog);
+        during = [&] { escape ? QTest::keyClick(&dialog, Qt::Key_Escape) : void(dialog.close()); };
+        run(dialog, folder);
+        EXPECT_EQ(server.targets, QList<QByteArray>{"/content/indices/ind_close_all_02112024.csv"});
+        EXPECT_FALSE(dialog.isVisible());
+        EXPECT_TRUE(platform.boxes.isEmpty());
+        EXPECT_EQ(storedBars(folder, "NIFTY50").last().date, 20241101);
+    }
 }
 
 } // namespace
