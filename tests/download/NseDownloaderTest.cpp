@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QProgressBar>
+#include <QTest>
 #include <QTimer>
 #include <QToolButton>
 
@@ -289,6 +290,11 @@ TEST_F(NseRun, FolderChooserAndProgressBar) {
     dlg.folderButton->click();
     EXPECT_EQ(platform_.chooserTitles, QStringList({"Select Folder for Download"}));
     EXPECT_EQ(sharedState().LastFolder, folder);
+    dlg.show();   // Enter in the folder field starts nothing
+    QApplication::setActiveWindow(&dlg);
+    dlg.folderEdit->setFocus();
+    QTest::keyClick(dlg.folderEdit, Qt::Key_Return);
+    EXPECT_TRUE(platform_.boxes.isEmpty() && server.targets.isEmpty()) << platform_.boxTexts().join('|').toStdString();
 
     for (int i = 0; i < 99; ++i)
         dlg.tick();
