@@ -190,6 +190,12 @@ TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
     w.OpenFolder(folder.path());
     EXPECT_TRUE(contains(failureText([&] { w.CreateSecurity(QStringLiteral("FULL"), QString(), 1); }), "cannot take another security"));
     EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("F65535.MWD"))), zeros(100));
+    // With the last security past the 255th deleted, XMASTER lists none.
+    for (int i = 256; i <= 300; ++i)
+        w.DeleteSecurity(sym(i));
+    w.CloseFolder();
+    EXPECT_EQ(listFolder(folder.path()).size(), 255u);
+    EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("XMASTER"))).size(), 150);
 }
 
 // What a file of a folder can be instead of a file the format allows.
