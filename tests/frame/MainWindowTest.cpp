@@ -2,6 +2,9 @@
 #include "frame/ProgramState.h"
 #include "frame/WebLinks.h"
 #include "frame/main/MainWindow.h"
+#include "frame/main/ProgramStart.h"
+#include "frame/ui/ProgramIcon.h"
+#include "store/ui/ReadProgressWindow.h"
 #include "frame/ui/ChildWindows.h"
 #include "frame/ui/AboutDialog.h"
 #include "catalogue/ui/OpenSecurityDialog.h"
@@ -70,6 +73,23 @@ TEST(MainWindow, StartsWithTheSymbolListAndTheRememberedFolderAndNoChildWindow) 
 
 // The frame's close button saves LastFolder (also when empty) and ends; Exit ends without saving;
 // Close, the toolbar's gaps and the disabled entries change nothing.
+// What main() does before it waits: the program named, its icon, long reads with their window,
+// the main window shown; and all of it taken back at the end.
+TEST(MainWindow, TheProgramStartsShownWithItsNameAndIcon) {
+    ScriptedPlatform p;
+    {
+        const auto frame = startProgram(p);
+        EXPECT_TRUE(frame->isVisible());
+        EXPECT_EQ(QApplication::applicationName(), "Brindlemark v6");
+        EXPECT_EQ(QApplication::windowIcon().pixmap(48).toImage(), ProgramIcon().pixmap(48).toImage());
+        EXPECT_NE(dynamic_cast<ReadProgressWindow*>(ReadProgress::create().get()), nullptr);
+    }
+    endProgram();
+    EXPECT_EQ(dynamic_cast<ReadProgressWindow*>(ReadProgress::create().get()), nullptr);
+    QApplication::setApplicationName(QStringLiteral("Brindlemark v6 tests"));
+    QApplication::setWindowIcon(QIcon());
+}
+
 TEST(MainWindow, CloseSavesLastFolderAndExitDoesNot) {
     const struct { const char* how; const char* folder; const char* saved; int quits; } cases[] = {
         {"close", "/data/new", "/data/new", 1}, {"close", "", "", 1}, {"exit", "/data/new", "/old", 1}, {"others", "/kept", "/old", 0}};
