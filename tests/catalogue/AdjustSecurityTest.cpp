@@ -8,6 +8,7 @@
 #include "frame/ProgramState.h"
 #include "frame/ui/DriveList.h"
 #include "frame/ui/FolderList.h"
+#include "store/StoreCheck.h"
 
 #include <QClipboard>
 #include <QComboBox>
@@ -182,6 +183,8 @@ TEST_F(Catalogue, DeleteDataDeletesFromTheFirstDateToTheDateInTheBox) {
         EXPECT_EQ(stored(data), all) << "the securities stay";
         EXPECT_EQ(datesOf(data, "CCC").size(), 2u);
         EXPECT_TRUE(platform.boxes.isEmpty());
+        for (const auto& finding : StoreCheck::checkFolder(data))   // other programs read the dates from the index
+            EXPECT_FALSE(finding.text.contains("the index gives")) << finding.text.toStdString();
     }
 }
 

@@ -21,6 +21,7 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollBar>
 #include <QTest>
 #include <QToolBar>
 #include <QWindow>
@@ -191,6 +192,10 @@ TEST(MainWindow, ChildWindowsOpenInsideTheAreaCascaded) {
         EXPECT_TRUE(places[i] == places[i - 1] + QPoint(step, step) || places[i] == QPoint(0, 0)) << i;
     EXPECT_GE(places.count(QPoint(0, 0)), 3) << "the cascade starts again";
     EXPECT_EQ(places.last(), QPoint(0, 0)) << "a window as large as the area stands at its corner";
+    // A window dragged partly out of the area can be scrolled back into view.
+    f.childArea->subWindowList().first()->move(area.width() - 100, area.height() - 100);
+    QApplication::processEvents();
+    EXPECT_TRUE(f.childArea->horizontalScrollBar()->isVisible() && f.childArea->verticalScrollBar()->isVisible());
 }
 
 TEST(MainWindow, StatusBarShowsTodaysDateAndTheKeysAndFollowsThem) {
@@ -235,6 +240,7 @@ TEST(AboutDialog, IsCentredAndItsLinkLightsUpAndOpensTheMakersPage) {
     EXPECT_FALSE(child<QLabel>(&about, "iconLabel")->pixmap().isNull());
     about.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&about));
+    expectControlsLaidOut(&about);
     const QRect screen = about.screen()->geometry(), frame = about.frameGeometry();  // the window with its frame
     EXPECT_NEAR(frame.x(), screen.x() + (screen.width() - frame.width()) / 2, 1);
     EXPECT_NEAR(frame.y(), screen.y() + (screen.height() - frame.height()) / 2, 1);
