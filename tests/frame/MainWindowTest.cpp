@@ -241,6 +241,8 @@ TEST(AboutDialog, IsCentredAndItsLinkLightsUpAndOpensTheMakersPage) {
     about.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&about));
     expectControlsLaidOut(&about);
+    const QRect ok = child<QPushButton>(&about, "okButton")->geometry();   // under the texts, at the right
+    EXPECT_TRUE(ok.top() > about.webLink->geometry().bottom() && ok.center().x() > about.width() / 2);
     const QRect screen = about.screen()->geometry(), frame = about.frameGeometry();  // the window with its frame
     EXPECT_NEAR(frame.x(), screen.x() + (screen.width() - frame.width()) / 2, 1);
     EXPECT_NEAR(frame.y(), screen.y() + (screen.height() - frame.height()) / 2, 1);
