@@ -129,8 +129,12 @@ TEST_F(QuotesFetcher, AFailedTransferIsErrorThreeAndAnOversizedReplyNoData) {
     inet.RequestTimeoutMs = 300;
     EXPECT_EQ(fetch(cut), 3);
     EXPECT_EQ(fetch(slow), 3);
+    LoopbackReply steady = LoopbackReply::ok(Header + "2005-08-05,10,11,9,10.5,100,10.5\n");
+    steady.pieceGapMs = 120;   // longer than the timeout in all, but never silent that long
+    EXPECT_EQ(fetch(steady), 0);
     inet.MaxReplyBytes = 1000;
     EXPECT_EQ(fetch(Header + QByteArray(5000, '1')), 2);
+    EXPECT_EQ(fetch((Header + "2005-08-05,10,11,9,10.5,100,10.5\n").leftJustified(1000, '\n')), 0);   // the cap itself is allowed
 
     platform_.settings["Sources/Quotes"] = QStringLiteral("http://127.0.0.1:%1").arg(LoopbackHttpServer::deadPort());
     EXPECT_EQ(fetch(Header + "2005-08-05,10,11,9,10.5,100,10.5\n"), 3);

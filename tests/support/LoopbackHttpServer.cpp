@@ -190,6 +190,17 @@ void LoopbackHttpServer::answer(QTcpSocket* socket, const QByteArray& target) {
             guarded->disconnectFromHost();
             return;
         }
+        if (reply.pieceGapMs > 0) {   // the body in four pieces, a gap before each
+            guarded->write(head);
+            for (int i = 1; i <= 4; ++i)
+                QTimer::singleShot(i * reply.pieceGapMs, guarded.data(), [guarded, reply, i] {
+                    const qsizetype from = reply.body.size() * (i - 1) / 4, to = reply.body.size() * i / 4;
+                    guarded->write(reply.body.mid(from, to - from));
+                    if (i == 4)
+                        guarded->disconnectFromHost();
+                });
+            return;
+        }
         guarded->write(head + reply.body);
         guarded->disconnectFromHost();
     };

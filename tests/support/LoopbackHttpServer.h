@@ -27,6 +27,7 @@ struct LoopbackReply {
     QByteArray body;
     int delayMs = 0;            // the reply is held back this long
     bool closeMidBody = false;  // announces the whole body, sends half of it, closes
+    int pieceGapMs = 0;         // the body sent in four pieces this far apart
     QByteArray contentType = "text/plain";
     QList<QPair<QByteArray, QByteArray>> headers;   // further headers of the reply
 
