@@ -136,6 +136,20 @@ TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
 
 // An item whose NextDate is no date ("N/A" in the list) or whose security is missing ends the
 // run at once while nothing has been fetched yet; behind a fetch its failing steps are passed over.
+// While another program writes a folder of the list, the run fetches nothing and says who holds it.
+TEST_F(DownloadRunScreen, AFolderAnotherProgramWritesEndsTheRunWithItsBox) {
+    makeSecurity(folder, "A", "A", {bar(20261001, 10)});
+    addItem("A", {2026, 10, 1});
+    ForeignLockHolder holder(folder);
+    DownloadProgressWindow dlg;
+    dlg.load();
+    EXPECT_TRUE(server.targets.isEmpty());
+    ASSERT_EQ(platform_.boxes.size(), 1);
+    EXPECT_TRUE(platform_.boxes[0].text.contains("brindlemark-cli (process 4242)")) << platform_.boxes[0].text.toStdString();
+    EXPECT_EQ(platform_.boxes[0].icon, MsgIcon::Critical);
+    EXPECT_EQ(storedBars(folder, "A").size(), 1);
+}
+
 TEST_F(DownloadRunScreen, AFailingItemEndsTheRunOnlyBeforeTheFirstFetch) {
     makeSecurity(folder, "A", "A", {bar(20261001, 10)});
     replies["A"] = replies["MISSING"] = LoopbackReply::ok(Header + line(bar(20261002, 11)));

@@ -126,6 +126,9 @@ TEST_F(Unzipping, TheLastMessageIsSharedAndClearedAtEachRun) {
     EXPECT_EQ(warnings.Unzip(root.file("none.zip"), target), ZipResult::NotFound);
     EXPECT_TRUE(ZipExtractor::GetLastMessage().contains(QStringLiteral("none.zip")));
     EXPECT_FALSE(ZipExtractor::GetLastMessage().contains(QStringLiteral("Archive:")));
+    writeTextFile(root.file("text.zip"), "no archive at all");
+    EXPECT_EQ(warnings.Unzip(root.file("text.zip"), target), ZipResult::NotFound);
+    EXPECT_TRUE(ZipExtractor::GetLastMessage().contains(QStringLiteral("text.zip is not a zip archive")));
 }
 
 TEST_F(Unzipping, APrintChunkThatBeginsWithALineFeedAddsOnlyALineEnd) {
