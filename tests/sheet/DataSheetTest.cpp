@@ -149,7 +149,7 @@ protected:
     // leaves a box), press the button; note whether it stayed up and its boxes then, and close it.
     QStringList shown, after;
     bool pickerEnabled = true, stillUp = false;
-    QString tabbedTo, dateLeftAs;
+    QString tabbedTo, dateLeftAs, title;
     void whenDialogUp(const QString& typedDate, const QStringList& values, const char* button = "applyButton") {
         onNextModal([=, this](QWidget* w) {
             auto dialog = qobject_cast<RecordDialog*>(w);
@@ -157,6 +157,7 @@ protected:
             QLineEdit* boxes[] = {dialog->dateEdit, dialog->openEdit, dialog->highEdit, dialog->lowEdit, dialog->closeEdit, dialog->volumeEdit};
             const auto texts = [&] { QStringList t; for (QLineEdit* b : boxes) t << b->text(); return t; };
             shown = texts();
+            title = dialog->windowTitle();
             pickerEnabled = dialog->dateEdit->isEnabled();
             QApplication::setActiveWindow(dialog);   // the dialog has the keyboard, as on screen
             const QStringList typed = QStringList{typedDate} + values;
@@ -189,6 +190,7 @@ TEST_F(RecordEdit, InsertPutsANewDateIntoTheStoreAndReloadsTheSheet) {
     view->insertButton->click();
 
     EXPECT_EQ(shown, (QStringList{"09/03/2026", "", "", "", "", ""})) << "today's date, empty boxes";
+    EXPECT_EQ(title, "Change Record") << "Insert too is titled so";
     EXPECT_TRUE(pickerEnabled);
     EXPECT_TRUE(platform.boxes.isEmpty()) << platform.boxTexts().join('|').toStdString();
     EXPECT_EQ(readBack(temp.path(), "ABC"), (std::vector<Rec>{Records[0], Records[1], {20050806, 20.5, 21, 19.75, 20, 4500}, Records[2]}));
