@@ -59,15 +59,6 @@ void atEveryWrite(const QString& base, const std::vector<Step>& steps, const std
     }
 }
 
-void createEmpty(SecurityWriter& w, const QString& symbol) {  // Create New Symbols
-    if (w.SymbolExists(symbol))
-        w.DeleteSecurity(symbol);
-    w.CreateSecurity(symbol, symbol, 1);
-    w.AddQuote(20050801, 0, 0, 0, 0, 0, 0, 0);
-    w.DeleteQuote(QStringLiteral("20050801"));
-    w.CloseSecurity();
-}
-
 Step nseRow(const QString& symbol) {
     return [symbol](SecurityWriter& w) {
         w.OpenSecurity(symbol);
@@ -79,7 +70,7 @@ Step nseRow(const QString& symbol) {
 
 // The changes a day of use makes, each step closing what it opened.
 const std::vector<Step> DayOfUse = {
-    [](SecurityWriter& w) { createEmpty(w, QStringLiteral("NEW")); },
+    [](SecurityWriter& w) { createEmpty(w, QStringLiteral("NEW"), 20050801); },
     nseRow(QStringLiteral("AAA")),   // one NSE day, each row on its own
     nseRow(QStringLiteral("NEW")),
     [](SecurityWriter& w) {  // a Yahoo merge over the last three days and one new one
@@ -189,11 +180,11 @@ TEST_F(StoreFaults, TheSecurityThatOpensXmasterCanFailAtEveryWrite) {
 
 TEST_F(StoreFaults, TheFirstCreateInAnEmptyFolderCanStopAtEveryWrite) {
     TempFolder base;
-    atEveryWrite(base.path(), {[](SecurityWriter& w) { createEmpty(w, QStringLiteral("NEW")); }}, [](const QString& folder) {
+    atEveryWrite(base.path(), {[](SecurityWriter& w) { createEmpty(w, QStringLiteral("NEW"), 20050801); }}, [](const QString& folder) {
         // Never a folder the program refuses: the security is there, or the same create makes it.
         writeFolder(folder, [](SecurityWriter& w) {
             if (!w.SymbolExists(QStringLiteral("NEW")))
-                createEmpty(w, QStringLiteral("NEW"));
+                createEmpty(w, QStringLiteral("NEW"), 20050801);
         });
         const auto listed = listFolder(folder);
         ASSERT_EQ(listed.size(), 1u);

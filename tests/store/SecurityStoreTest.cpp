@@ -139,14 +139,8 @@ TEST(StoreWriting, SeedOfANewSecurityIsItsFirstAndLastDateUntilRecordsCome) {
     const QString tcs = QStringLiteral("TCS");
     makeSecurity(folder.path(), tcs, {20050801, 20050802});
     writeFolder(folder.path(), [&](SecurityWriter& w) {
-        for (const QString& symbol : {QStringLiteral("INFY"), tcs}) {
-            if (w.SymbolExists(symbol))
-                w.DeleteSecurity(symbol);
-            w.CreateSecurity(symbol, symbol, 1);
-            w.AddQuote(20050806, 0, 0, 0, 0, 0, 0, 0.0);
-            w.DeleteQuote(QStringLiteral("20050806"));
-            w.CloseSecurity();
-        }
+        for (const QString& symbol : {QStringLiteral("INFY"), tcs})
+            createEmpty(w, symbol, 20050806);
     });
     const auto listed = listFolder(folder.path());
     ASSERT_EQ(listed.size(), 2u);

@@ -106,3 +106,12 @@ std::string failureText(const std::function<void()>& step) {
     }
     return "(no failure)";
 }
+
+void createEmpty(SecurityWriter& writer, const QString& symbol, qint32 seedDate) {
+    if (writer.SymbolExists(symbol))
+        writer.DeleteSecurity(symbol);
+    writer.CreateSecurity(symbol, symbol, 1);
+    writer.AddQuote(seedDate, 0, 0, 0, 0, 0, 0, 0);
+    writer.DeleteQuote(QString::number(seedDate));
+    writer.CloseSecurity();
+}

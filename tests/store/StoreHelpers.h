@@ -36,6 +36,8 @@ std::vector<Bar> barsOf(const std::vector<qint32>& dates, double base = 10.0);
 std::vector<qint32> tradingDays(qint32 from, int count);
 // Opens a folder in a writer, runs `change` on it and closes it.
 void writeFolder(const QString& folder, const std::function<void(SecurityWriter&)>& change);
+// A security as Create New Symbols leaves it: made anew, its seed record added and deleted again.
+void createEmpty(SecurityWriter& writer, const QString& symbol, qint32 seedDate);
 // Adds a security to a folder (made when it has no store) holding barOf() of each date.
 void makeSecurity(const QString& folder, const QString& symbol, const std::vector<qint32>& dates, double base = 10.0);
 // The files of a folder and their bytes (for a link, where it leads).
