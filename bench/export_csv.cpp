@@ -3,6 +3,7 @@
 //   BM_ExportSeparate/65000     one security of 65,000 records into its own file
 //   BM_ExportMerged/2000        2,000 securities of 250 records into one data.csv
 //   BM_PreparedWrite/...        the bytes of that output, written in one go
+//   BM_ReadOnly/...             the store's read of those records, with nothing written
 // And how much memory the conversion holds: BM_ExportHeap/N samples the heap in use at every
 // record through the progress window's step (mallinfo2), and reports what is in use at the first
 // record above the start (the store's read of the security) and how far it grows over the records
@@ -14,6 +15,7 @@
 #include "BenchSupport.h"
 #include "export/CsvConversion.h"
 #include "store/ReadProgress.h"
+#include "store/SecurityReader.h"
 #include "store/SecurityWriter.h"
 
 #include <QCoreApplication>
@@ -108,15 +110,44 @@ void preparedWrite(benchmark::State& state, int securities, int records, bool me
     state.SetItemsProcessed(state.iterations() * securities * records);
 }
 
+// The store's read of the same securities, record by record, with nothing written: the part of an
+// export that no way of writing can save.
+void readOnly(benchmark::State& state, int securities, int records) {
+    const QString folder = folderWith(securities, records);
+    const QStringList symbols = symbolsOf(securities);
+    double sum = 0;
+    for (auto _ : state) {
+        SecurityReader reader;
+        reader.OpenFolder(folder);
+        for (const QString& symbol : symbols) {
+            reader.OpenSecurity(symbol);
+            while (reader.GetRecordsRemaining() >= 1) {
+                reader.NextRecord();
+                sum += reader.GetDate() + reader.GetOpen() + reader.GetHigh() + reader.GetLow() + reader.GetClose() +
+                       reader.GetVolume();
+            }
+            reader.CloseSecurity();
+        }
+        reader.CloseFolder();
+    }
+    benchmark::DoNotOptimize(sum);
+    state.SetItemsProcessed(state.iterations() * securities * records);
+}
+
 void BM_ExportSeparate(benchmark::State& state) { exportRun(state, 1, static_cast<int>(state.range(0)), false); }
 void BM_PreparedWriteSeparate(benchmark::State& state) { preparedWrite(state, 1, static_cast<int>(state.range(0)), false); }
 void BM_ExportMerged(benchmark::State& state) { exportRun(state, static_cast<int>(state.range(0)), 250, true); }
 void BM_PreparedWriteMerged(benchmark::State& state) { preparedWrite(state, static_cast<int>(state.range(0)), 250, true); }
 
+void BM_ReadOnlySeparate(benchmark::State& state) { readOnly(state, 1, static_cast<int>(state.range(0))); }
+void BM_ReadOnlyMerged(benchmark::State& state) { readOnly(state, static_cast<int>(state.range(0)), 250); }
+
 BENCHMARK(BM_ExportSeparate)->Arg(65000)->Unit(benchmark::kMillisecond)->MinTime(1.0);
 BENCHMARK(BM_PreparedWriteSeparate)->Arg(65000)->Unit(benchmark::kMillisecond)->MinTime(1.0);
 BENCHMARK(BM_ExportMerged)->Arg(2000)->Unit(benchmark::kMillisecond)->MinTime(1.0);
 BENCHMARK(BM_PreparedWriteMerged)->Arg(2000)->Unit(benchmark::kMillisecond)->MinTime(1.0);
+BENCHMARK(BM_ReadOnlySeparate)->Arg(65000)->Unit(benchmark::kMillisecond)->MinTime(1.0);
+BENCHMARK(BM_ReadOnlyMerged)->Arg(2000)->Unit(benchmark::kMillisecond)->MinTime(1.0);
 
 // --- memory ---
 

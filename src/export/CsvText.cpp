@@ -7,6 +7,7 @@
 #include <QLocale>
 #include <QStringEncoder>
 
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -277,7 +278,92 @@ void CsvText::appendNumber(double value, QByteArray& out) const {
 
 namespace {
 
+// The shortest plain text of a float that is no whole number, from 0.0001 on: the fewest decimals
+// d for which the float's nearest multiple of 10^-d lies within half a unit of the float's last
+// place, so that reading the text back gives the float again. The float times 10^d (d <= 12) and
+// the scaled half unit are exact in a double, so each try is one multiplication and one rounding.
+// Checked against the shortest scientific digits of every float in range: the same text, except
+// that one float below 0.0001 is left to the general way.
+constexpr char TwoDigits[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+                             "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+                             "8081828384858687888990919293949596979899";
+
+// Writes `n` backwards so that its last digit ends just before `end`, with `decimals` of its digits
+// after `decimal`, and a 0 before the separator when the whole part is 0.
+template <typename Unsigned>
+void putBackwards(Unsigned n, int decimals, char decimal, char* end) {
+    char* q = end;
+    int left = decimals;
+    if (left & 1) {
+        *--q = static_cast<char>('0' + n % 10);
+        n /= 10;
+        --left;
+    }
+    for (; left > 0; left -= 2, n /= 100) {
+        q -= 2;
+        std::memcpy(q, TwoDigits + 2 * (n % 100), 2);
+    }
+    if (decimals > 0)
+        *--q = decimal;
+    for (; n >= 100; n /= 100) {
+        q -= 2;
+        std::memcpy(q, TwoDigits + 2 * (n % 100), 2);
+    }
+    if (n >= 10) {
+        q -= 2;
+        std::memcpy(q, TwoDigits + 2 * n, 2);
+    } else {
+        *--q = static_cast<char>('0' + n);
+    }
+}
+
+constexpr quint64 Pow10[20] = {1ULL, 10ULL, 100ULL, 1000ULL, 10000ULL, 100000ULL, 1000000ULL, 10000000ULL,
+                                100000000ULL, 1000000000ULL, 10000000000ULL, 100000000000ULL, 1000000000000ULL,
+                                10000000000000ULL, 100000000000000ULL, 1000000000000000ULL, 10000000000000000ULL,
+                                100000000000000000ULL, 1000000000000000000ULL, 10000000000000000000ULL};
+
+char* putShortestDecimals(float single, char decimal, char* p) {
+    const double value = std::fabs(double(single));
+    if (!(value >= 1e-4 && value < 8388608.0))
+        return nullptr;
+    const int biased = int(std::bit_cast<quint32>(single) >> 23) & 0xFF;
+    double halfUlp = std::bit_cast<double>(quint64(biased - 151 + 1023) << 52);
+    double scaled = value;
+    double whole = 0;
+    int d = 0;
+    for (;; ++d, scaled *= 10, halfUlp *= 10) {
+        if (d > 12 || scaled >= 0x1p52)
+            return nullptr;
+        whole = (scaled + 0x1p52) - 0x1p52;   // the nearest whole number (to even on a tie)
+        if (std::fabs(whole - scaled) < halfUlp && whole != 0)
+            break;
+    }
+    // Written in place backwards from the last digit, two digits at a time: the decimals, the
+    // separator, the whole part (or a 0 before the separator and leading zeros after it).
+    const auto n = static_cast<quint64>(whole);
+    const int bits = 64 - std::countl_zero(n);
+    int digits = (bits * 1233) >> 12;   // floor(log10) or one less
+    digits += n >= Pow10[digits] ? 1 : 0;
+    if (single < 0)
+        *p++ = '-';
+    const int length = digits > d ? digits + (d > 0 ? 1 : 0) : d + 2;
+    char* const q = p + length;
+    if (n <= 0xFFFFFFFFu)
+        putBackwards(quint32(n), d, decimal, q);
+    else
+        putBackwards(n, d, decimal, q);
+    return p + length;
+}
+
 char* putDigits(int value, int width, char* p) {
+    if (value < 100 && width <= 2) {
+        if (value >= 10 || width == 2) {
+            std::memcpy(p, TwoDigits + 2 * value, 2);
+            return p + 2;
+        }
+        *p = static_cast<char>('0' + value);
+        return p + 1;
+    }
     char digits[12];
     int n = 0;
     do {
@@ -291,23 +377,38 @@ char* putDigits(int value, int width, char* p) {
     return p;
 }
 
+bool isCalendarDate(int year, int month, int day) {
+    static constexpr int Days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    if (month < 1 || month > 12 || day < 1)
+        return false;
+    const bool leap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+    return day <= Days[month - 1] + (month == 2 && leap ? 1 : 0);
+}
+
 } // namespace
 
 char* CsvText::putDate(qint32 storeDate, char* p) const {
     if (dateForm_.empty() || storeDate <= 0)
         return nullptr;
     const int year = storeDate / 10000, month = storeDate / 100 % 100, day = storeDate % 100;
-    if (year < 1000 || year > 9999 || !QDate::isValid(year, month, day))
+    if (year < 1000 || year > 9999 || !isCalendarDate(year, month, day))
         return nullptr;
     for (const DatePart& part : dateForm_) {
         switch (part.kind) {
         case DatePart::Text:
-            std::memcpy(p, part.text.constData(), size_t(part.text.size()));
-            p += part.text.size();
+            for (char c : part.text)
+                *p++ = c;
             break;
         case DatePart::Day: p = putDigits(day, part.width, p); break;
         case DatePart::Month: p = putDigits(month, part.width, p); break;
-        case DatePart::Year: p = putDigits(part.width == 2 ? year % 100 : year, part.width, p); break;
+        case DatePart::Year:
+            if (part.width == 2) {
+                p = putDigits(year % 100, 2, p);
+            } else {
+                p = putDigits(year / 100, 2, p);   // a year of four digits
+                p = putDigits(year % 100, 2, p);
+            }
+            break;
         }
     }
     return p;
@@ -321,22 +422,11 @@ char* CsvText::putNumber(double value, char* p) const {
         *p = '0';
         return p + 1;
     }
-    if (std::trunc(value) == value && std::fabs(value) < 1e15)
+    if (std::fabs(value) < 1e15 && static_cast<double>(static_cast<long long>(value)) == value)
         return std::to_chars(p, p + 24, static_cast<long long>(value)).ptr;
     if (!plainDigits_ || decimal_.size() != 1)
         return nullptr;
-    // The shortest digits that read back as the same value, written plainly: what the general
-    // way writes too, unless the shortest form is the exponent form.
-    const auto result = std::to_chars(p, p + 24, single);
-    if (result.ec != std::errc())
-        return nullptr;
-    for (char* c = p; c != result.ptr; ++c) {
-        if (*c == 'e')
-            return nullptr;
-        if (*c == '.')
-            *c = decimal_[0];
-    }
-    return result.ptr;
+    return putShortestDecimals(single, decimal_[0], p);
 }
 
 void CsvText::appendRecord(const QByteArray& prefix, qint32 storeDate, const std::array<double, 5>& values,

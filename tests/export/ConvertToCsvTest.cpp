@@ -179,7 +179,13 @@ INSTANTIATE_TEST_SUITE_P(
         // Negative values, -0, a volume past the float's exact digits, values far from 1, and a
         // value that is no single-precision number (15 significant digits).
         LineCase{"en_GB", 19991231, {-0.5, -0.0, 123456792.0, 1e-5f, 0.1}, "SYM,31/12/1999,-0.5,0,123456792,1E-05,0.1"},
-        LineCase{"de_DE", 20000101, {0.0001f, 99999.99f, 1e20f, -7.25, 2.0 / 3}, "SYM,01.01.2000,0,0001,99999,99,1E+20,-7,25,0,666666666666667"}));
+        LineCase{"de_DE", 20000101, {0.0001f, 99999.99f, 1e20f, -7.25, 2.0 / 3}, "SYM,01.01.2000,0,0001,99999,99,1E+20,-7,25,0,666666666666667"},
+        // The shortest digits where they are many, where fewer than the float's own read back
+        // (4194303.75 is 4194303.8), and with zeros after the separator.
+        LineCase{"en_GB", 21000301, {8388607.5f, 0.00012345f, -1234.5677f, 4194303.75f, 1.0000001f},
+                 "SYM,01/03/2100,8388607.5,0.00012345,-1234.5677,4194303.8,1.0000001"},
+        LineCase{"de_DE", 20240229, {999999.94f, -0.0123f, 0.0009765625f, 100.01f, 3.1415927f},
+                 "SYM,29.02.2024,999999,94,-0,0123,0,0009765625,100,01,3,1415927"}));
 
 // --- the user's path ---
 
