@@ -45,6 +45,12 @@ TEST_F(ReadProgressWindowTest, ShowsBarCaptionAndMessageAndGoesAwayWhenReleased)
             EXPECT_EQ(child<QPushButton>(window, QStringLiteral("cancelButton"))->text(), QStringLiteral("Cancel"));
             const auto* bar = child<QProgressBar>(window, QStringLiteral("ProgressBar1"));
             EXPECT_EQ(bar->value() * 10 + bar->maximum(), 34);
+            // The message, the bar under it, and Cancel at the bottom right.
+            const QRect cancel = child<QPushButton>(window, QStringLiteral("cancelButton"))->geometry();
+            EXPECT_GT(bar->geometry().top(), child<QLabel>(window, QStringLiteral("lblMessage"))->geometry().top());
+            EXPECT_GT(cancel.top(), bar->geometry().bottom());
+            EXPECT_GT(cancel.left(), window->width() / 2);
+            EXPECT_TRUE(window->rect().contains(cancel));
             if (!step)
                 progress->Hide();
             EXPECT_EQ(shownProgressWindow() == nullptr, !step);
