@@ -176,6 +176,8 @@ INSTANTIATE_TEST_SUITE_P(
         // No date: "N/A" in every locale.
         LineCase{"en_GB", 0, {1, 2, 3, 4, 5}, "SYM,N/A,1,2,3,4,5"},
         LineCase{"de_DE", 0, {1, 2, 3, 4, 5}, "SYM,N/A,1,2,3,4,5"},
+        // A date no calendar has, from another program's file: as the date text gives it.
+        LineCase{"en_GB", 20050260, {1, 2, 3, 4, 5}, "SYM,60/3/2005,1,2,3,4,5"},
         // Negative values, -0, a volume past the float's exact digits, values far from 1, and a
         // value that is no single-precision number (15 significant digits).
         LineCase{"en_GB", 19991231, {-0.5, -0.0, 123456792.0, 1e-5f, 0.1}, "SYM,31/12/1999,-0.5,0,123456792,1E-05,0.1"},
@@ -275,6 +277,9 @@ TEST_F(ConvertToCsv, AFileThatCannotBeWrittenStopsWithABoxNamingIt) {
             EXPECT_EQ(platform.boxes[0].title, ProgramTitle);
             EXPECT_TRUE(platform.boxes[0].text.contains(QDir::toNativeSeparators(
                 temp.file(destination + (merge ? "/data.csv" : "/BHP.csv")))))
+                << platform.boxes[0].text.toStdString();
+            EXPECT_TRUE(platform.boxes[0].text.startsWith(destination == u"full" ? "The file could not be written: "
+                                                                                  : "The file could not be created: "))
                 << platform.boxes[0].text.toStdString();
             EXPECT_TRUE(progress.calls.isEmpty() || progress.calls.last() == "Hide");
         }
