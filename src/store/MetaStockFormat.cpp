@@ -293,7 +293,7 @@ Layout Security::layout() const {
 }
 
 QString dataFileName(int fileNumber, bool extended) {
-    return QStringLiteral("F%1.%2").arg(fileNumber).arg(extended ? QStringLiteral("MWD") : QStringLiteral("DAT"));
+    return QLatin1Char('F') + QString::number(fileNumber) + (extended ? QLatin1String(".MWD") : QLatin1String(".DAT"));
 }
 
 int Index::masterCount() const {

@@ -86,6 +86,7 @@ struct SecurityWriter::Impl {
 
     // The selected security.
     int selected = -1;
+    QString selectedPath;             // its data file
     Layout layout;
     DataSummary disk;                 // the data file as it is on disk
     StoreFiles::Stamp diskStamp;      // the data file's stamp when last seen
@@ -102,15 +103,17 @@ struct SecurityWriter::Impl {
             refuse(QStringLiteral("No security is selected."), operation);
         return folder->index.securities[size_t(selected)];
     }
-    QString dataPath() const { return folder->dataPath(folder->index.securities[size_t(selected)]); }
+    const QString& dataPath() const { return selectedPath; }
 
     void select(int i) {
         const Security& s = folder->index.securities[size_t(i)];
         const Layout l = s.layout();
         StoreFiles::Stamp seen;
-        const DataSummary sum = summarize(folder->dataPath(s), l, s.dataFileName(), &seen);
+        QString path = folder->dataPath(s);
+        const DataSummary sum = summarize(path, l, s.dataFileName(), &seen);
         deselect();
         selected = i;
+        selectedPath = std::move(path);
         layout = l;
         disk = sum;
         diskStamp = seen;

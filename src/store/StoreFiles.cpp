@@ -10,6 +10,7 @@
 #include <system_error>
 
 #ifdef Q_OS_UNIX
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -97,6 +98,31 @@ Stamp stamp(const QString& path) {
     st.ownerWritable = (info.permissions() & QFileDevice::WriteOwner) != 0;
 #endif
     return st;
+}
+
+QStringList fileNames(const QString& folder) {
+    QStringList names;
+#ifdef Q_OS_UNIX
+    // Straight from the directory: a folder of thousands of securities is listed at every open,
+    // and the entries' types mostly come with their names.
+    const QByteArray encoded = QFile::encodeName(folder);
+    DIR* dir = ::opendir(encoded.constData());
+    if (!dir)
+        return names;
+    while (const dirent* entry = ::readdir(dir)) {
+        bool isFolder = entry->d_type == DT_DIR;
+        if (entry->d_type == DT_UNKNOWN || entry->d_type == DT_LNK) {
+            struct stat sb;
+            isFolder = ::fstatat(::dirfd(dir), entry->d_name, &sb, 0) == 0 && S_ISDIR(sb.st_mode);
+        }
+        if (!isFolder)
+            names << QFile::decodeName(entry->d_name);
+    }
+    ::closedir(dir);
+#else
+    names = QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Unsorted);
+#endif
+    return names;
 }
 
 QString temporaryName(const QString& path) { return path + QLatin1String(TemporarySuffix); }

@@ -23,6 +23,10 @@ struct Stamp {
 };
 Stamp stamp(const QString& path);
 
+// The names of what a folder holds other than folders (files, links to files, pipes, ...), in no
+// particular order.
+QStringList fileNames(const QString& folder);
+
 // Whole file; raises Failure (FileNotFound) when it cannot be read, and Failure when it is not a
 // regular file (a pipe, a device) or is longer than `maxSize`, the most its format allows.
 QByteArray readAll(const QString& path, qint64 maxSize);

@@ -44,7 +44,8 @@ Folder Folder::open(const QString& path, bool requireStore) {
                       QStringLiteral("Folder::open"));
     Folder f;
     f.path = info.absoluteFilePath();
-    const QStringList entries = QDir(f.path).entryList(QDir::Files | QDir::Hidden | QDir::System);
+    const QStringList entries = StoreFiles::fileNames(f.path);
+    f.names_.reserve(entries.size());
     for (const QString& name : entries)
         f.names_.insert(name.toUpper(), name);
 

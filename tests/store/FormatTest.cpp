@@ -199,7 +199,7 @@ TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
 }
 
 // What a file of a folder can be instead of a file the format allows.
-enum class Stand { Bytes, Pipe, DeviceLink, Huge };
+enum class Stand { Bytes, Pipe, DeviceLink, Huge, Folder };
 
 TEST(CorruptFolders, AreRefusedClearlyAndNeverWritten) {
     const QByteArray emptyXmaster = QByteArray("\x5D\xFE\x58\x4D", 4) + zeros(146);
@@ -219,7 +219,8 @@ TEST(CorruptFolders, AreRefusedClearlyAndNeverWritten) {
         {"F1.DAT", -1, 2, "\x09", true}, {"F1.DAT", 10, 0, {}, true}, {"F1.DAT", -2, 0, {}, true},  // counts beyond, short, missing
         // Only regular files are read, and none past the size its format allows.
         {"EMASTER", -2, 0, {}, false, Stand::Pipe}, {"MASTER", -2, 0, {}, false, Stand::DeviceLink},
-        {"F1.DAT", -2, 0, {}, true, Stand::Pipe}, {"F1.DAT", -2, 0, {}, true, Stand::Huge}, {"MASTER", -2, 0, {}, false, Stand::Huge}};
+        {"F1.DAT", -2, 0, {}, true, Stand::Pipe}, {"F1.DAT", -2, 0, {}, true, Stand::Huge}, {"MASTER", -2, 0, {}, false, Stand::Huge},
+        {"MASTER", -2, 0, {}, false, Stand::Folder}};
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.file) + " case " + std::to_string(&c - cases));
         TempFolder folder;
@@ -232,6 +233,8 @@ TEST(CorruptFolders, AreRefusedClearlyAndNeverWritten) {
             ASSERT_EQ(::mkfifo(QFile::encodeName(path).constData(), 0644), 0);
         else if (c.stand == Stand::DeviceLink)
             ASSERT_TRUE(QFile::link(QStringLiteral("/dev/zero"), path));
+        else if (c.stand == Stand::Folder)
+            ASSERT_TRUE(QDir().mkdir(path));
         else if (c.stand == Stand::Huge)
             writeTextFile(path, zeros(c.folderOpens ? 65536 * 28 + 1 : 257 * 53 + 1));
         else if (c.cutTo != -2)
@@ -245,7 +248,10 @@ TEST(CorruptFolders, AreRefusedClearlyAndNeverWritten) {
         });
         EXPECT_TRUE(contains(failure, c.file)) << failure;
         if (c.stand != Stand::Bytes) {
-            EXPECT_TRUE(contains(failure, c.stand == Stand::Huge ? "more than such a file can be" : "not a regular file")) << failure;
+            const char* cause = c.stand == Stand::Huge     ? "more than such a file can be"
+                                : c.stand == Stand::Folder ? "has no MASTER file"
+                                                           : "not a regular file";
+            EXPECT_TRUE(contains(failure, cause)) << failure;
         }
         if (c.folderOpens) {  // the reader stays usable: BBB reads where the index is sound
             r.OpenSecurity(QStringLiteral("BBB"));
