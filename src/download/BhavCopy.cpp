@@ -1,12 +1,13 @@
 #include "download/BhavCopy.h"
 
-#include "download/DailyQuotes.h"
 #include "download/Inet.h"
 #include "download/ServiceAddresses.h"
 #include "download/TodayBhavCopy.h"
 #include "frame/CommonRoutines.h"
 #include "frame/Failure.h"
 #include "frame/Regional.h"
+
+#include <vector>
 
 namespace {
 
@@ -22,25 +23,38 @@ QString BhavCopyArchive::DayPath(const QDate& day) {
 }
 
 QList<BhavRow> BhavCopyArchive::ReadRows(const QString& reply) {
-    const QString normalised = DailyQuotes::NormaliseReply(reply);
-    const QList<QStringView> tokens = QStringView(normalised).split(u',');
-    const qsizetype last = tokens.size() - 1;
+    // The reply's tokens as if its carriage returns and line feeds were commas and it were split
+    // at the commas, found in one pass without a copy of the reply.
+    const QStringView text(reply);
+    std::vector<std::pair<qsizetype, qsizetype>> tokens;   // start, length
+    tokens.reserve(size_t(text.size() / 8 + 1));
+    qsizetype start = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t c = text[i].unicode();
+        if (c == u',' || c == 13 || c == 10) {
+            tokens.emplace_back(start, i - start);
+            start = i + 1;
+        }
+    }
+    tokens.emplace_back(start, text.size() - start);
+    const auto token = [&](qsizetype j) { return text.mid(tokens[size_t(j)].first, tokens[size_t(j)].second); };
+    const qsizetype last = qsizetype(tokens.size()) - 1;
     const Regional::NumberReader numbers;
 
     QList<BhavRow> rows;
-    rows.reserve(tokens.size() / Stride);
+    rows.reserve(qsizetype(tokens.size()) / Stride);
     for (qsizetype j = Stride; j <= last - 3; j += Stride) {
-        const QStringView symbol = tokens[j].trimmed();
+        const QStringView symbol = token(j).trimmed();
         if (symbol == u"W1")
             continue;
         BhavRow row;
         row.Symbol = symbol.toString();
         if (j + 8 <= last) {
-            const auto open = numbers.read(tokens[j + 2]);
-            const auto high = numbers.read(tokens[j + 3]);
-            const auto low = numbers.read(tokens[j + 4]);
-            const auto close = numbers.read(tokens[j + 5]);
-            const auto volume = numbers.read(tokens[j + 8]);
+            const auto open = numbers.read(token(j + 2));
+            const auto high = numbers.read(token(j + 3));
+            const auto low = numbers.read(token(j + 4));
+            const auto close = numbers.read(token(j + 5));
+            const auto volume = numbers.read(token(j + 8));
             if (open && high && low && close && volume) {
                 row.HasPrices = true;
                 row.Open = *open;

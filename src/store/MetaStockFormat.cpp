@@ -5,6 +5,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <charconv>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -293,7 +294,13 @@ Layout Security::layout() const {
 }
 
 QString dataFileName(int fileNumber, bool extended) {
-    return QLatin1Char('F') + QString::number(fileNumber) + (extended ? QLatin1String(".MWD") : QLatin1String(".DAT"));
+    // Asked for at every selection of a security: put together by hand.
+    char name[24];
+    char* p = name;
+    *p++ = 'F';
+    p = std::to_chars(p, name + 12, fileNumber).ptr;
+    std::memcpy(p, extended ? ".MWD" : ".DAT", 4);
+    return QString::fromLatin1(name, p + 4 - name);
 }
 
 int Index::masterCount() const {
