@@ -228,6 +228,10 @@ TEST_F(NseRun, WhatCountsAsADayWithDataAndAsAWrittenRow) {
         {"2,001 characters of anything else", QByteArray(2001, 'x'), true, false, 0},
         {"only W1 rows", filler(BhavHeader + bhavRow("W1", bar(0, 7)), 2001, " W1 "), true, false, 0},
         {"only symbols the folder lacks", bhavCopy({}), true, true, 0},
+        {"lines ended by carriage returns", filler(abc, 2001).replace('\n', '\r'), true, true, 1},
+        // Four tokens of a row are enough for it to count; it writes nothing without its prices.
+        {"a last row cut after four tokens",
+         BhavHeader.left(69) + QByteArray(1950, 'T') + ",\n" + "ABC,EQ,1,2", true, true, 0},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
