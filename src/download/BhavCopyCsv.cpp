@@ -1,9 +1,12 @@
 #include "download/BhavCopyCsv.h"
 
+#include "download/CsvFields.h"
+
 #include <QHash>
 
 #include <array>
-#include <cmath>
+
+using namespace CsvFields;
 
 namespace {
 
@@ -25,66 +28,7 @@ int seriesRank(QByteArrayView series) {
     return 2;
 }
 
-// The next line of `text` from `at` (line feeds, carriage returns or both end a line), `at`
-// moved past it.
-QByteArrayView nextLine(QByteArrayView text, qsizetype& at) {
-    const qsizetype start = at;
-    while (at < text.size() && text[at] != '\n' && text[at] != '\r')
-        ++at;
-    const QByteArrayView line = text.sliced(start, at - start);
-    if (at < text.size() && text[at++] == '\r' && at < text.size() && text[at] == '\n')
-        ++at;
-    return line;
-}
-
-// The fields of a line, each trimmed. Commas part them; a field that starts with a double quote
-// runs to its closing quote and may hold commas (a doubled quote in it stays doubled). False when a
-// quote is left open.
-bool splitFields(QByteArrayView line, QList<QByteArrayView>& fields) {
-    fields.clear();
-    qsizetype at = 0;
-    for (;;) {
-        while (at < line.size() && (line[at] == ' ' || line[at] == '\t'))
-            ++at;
-        qsizetype end;
-        if (at < line.size() && line[at] == '"') {
-            qsizetype close = at + 1;
-            for (;;) {
-                while (close < line.size() && line[close] != '"')
-                    ++close;
-                if (close >= line.size())
-                    return false;
-                if (close + 1 < line.size() && line[close + 1] == '"') {
-                    close += 2;
-                    continue;
-                }
-                break;
-            }
-            fields.append(line.sliced(at + 1, close - at - 1).trimmed());
-            end = close + 1;
-            while (end < line.size() && line[end] != ',')
-                ++end;
-        } else {
-            end = at;
-            while (end < line.size() && line[end] != ',')
-                ++end;
-            fields.append(line.sliced(at, end - at).trimmed());
-        }
-        if (end >= line.size())
-            return true;
-        at = end + 1;
-    }
-}
-
 bool blank(QByteArrayView line) { return line.trimmed().isEmpty(); }
-
-std::optional<double> number(QByteArrayView text) {
-    bool ok = false;
-    const double value = text.toDouble(&ok);   // the C locale's form, whatever the user's
-    if (!ok || !std::isfinite(value))
-        return std::nullopt;
-    return value;
-}
 
 // Where each column of a form stands in the header; empty when the header lacks one of them.
 std::optional<std::array<qsizetype, ColumnCount>> columnsOf(const QList<QByteArrayView>& header, const Names& names) {

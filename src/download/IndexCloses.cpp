@@ -1,8 +1,10 @@
 #include "download/IndexCloses.h"
 
+#include "download/CsvFields.h"
 
 #include <array>
-#include <cmath>
+
+using namespace CsvFields;
 
 namespace {
 
@@ -11,55 +13,7 @@ constexpr std::array<QByteArrayView, ColumnCount> ColumnNames{
     "Index Name", "Index Date", "Open Index Value", "High Index Value", "Low Index Value",
     "Closing Index Value", "Volume"};
 
-// The next line of `text` from `at` (a line feed, a carriage return or both end it), `at` moved past it.
-QByteArrayView nextLine(QByteArrayView text, qsizetype& at) {
-    const qsizetype start = at;
-    while (at < text.size() && text[at] != '\n' && text[at] != '\r')
-        ++at;
-    const QByteArrayView line = text.sliced(start, at - start);
-    if (at < text.size() && text[at++] == '\r' && at < text.size() && text[at] == '\n')
-        ++at;
-    return line;
-}
-
-// The fields of a line, each trimmed; a field in double quotes may hold commas. False when a quote
-// is left open.
-bool splitFields(QByteArrayView line, QList<QByteArrayView>& fields) {
-    fields.clear();
-    qsizetype at = 0;
-    for (;;) {
-        while (at < line.size() && (line[at] == ' ' || line[at] == '\t'))
-            ++at;
-        qsizetype end = at;
-        if (at < line.size() && line[at] == '"') {
-            const qsizetype close = line.indexOf('"', at + 1);
-            if (close < 0)
-                return false;
-            fields.append(line.sliced(at + 1, close - at - 1).trimmed());
-            end = close + 1;
-            while (end < line.size() && line[end] != ',')
-                ++end;
-        } else {
-            while (end < line.size() && line[end] != ',')
-                ++end;
-            fields.append(line.sliced(at, end - at).trimmed());
-        }
-        if (end >= line.size())
-            return true;
-        at = end + 1;
-    }
-}
-
 bool missing(QByteArrayView field) { return field.isEmpty() || field == "-"; }
-
-// A number in the C locale's form; empty when the field holds none.
-std::optional<double> number(QByteArrayView field) {
-    bool ok = false;
-    const double value = field.toDouble(&ok);
-    if (!ok || !std::isfinite(value))
-        return std::nullopt;
-    return value;
-}
 
 QDate dateOf(QByteArrayView field) {
     return QDate::fromString(QString::fromLatin1(field), QStringLiteral("d-M-yyyy"));
