@@ -163,19 +163,20 @@ qint32 indexIntDate(qint32 storeDate) { return storeDate == 0 ? NoDateMarker : s
 
 QString decodeText(const char* bytes, int length) {
     QString text(length, Qt::Uninitialized);
+    QChar* out = text.data();
     for (int i = 0; i < length; ++i) {
         const unsigned char c = static_cast<unsigned char>(bytes[i]);
-        text[i] = QChar(c >= 0x80 && c < 0xA0 ? Cp1252High[c - 0x80] : char16_t(c));
+        out[i] = QChar(c >= 0x80 && c < 0xA0 ? Cp1252High[c - 0x80] : char16_t(c));
     }
     return text;
 }
 
 QByteArray encodeText(const QString& text) {
-    QByteArray bytes;
-    bytes.reserve(text.size());
+    QByteArray bytes(text.size(), Qt::Uninitialized);
+    char* out = bytes.data();
     for (const QChar c : text) {
         const int b = cp1252Byte(c.unicode());
-        bytes.append(char(b < 0 ? '?' : b));
+        *out++ = char(b < 0 ? '?' : b);
     }
     return bytes;
 }
