@@ -28,10 +28,13 @@
 
 namespace {
 
-// Three securities of the vendor's folder: two of its first index file, one of its extended one.
-const QStringList Chosen = {QStringLiteral("A2A"), QStringLiteral("ENEL"), QStringLiteral("RCS")};
+// Three securities of the vendor's folder, one of its first index file and two of its extended one:
+// the same price four times, prices below a hundredth, prices of four decimals and volumes in the
+// millions.
+const QStringList Chosen = {QStringLiteral("NR"), QStringLiteral("WSN10"), QStringLiteral("TES")};
 
-// The merged output of the three, en_GB, checked by hand. The other outputs are the same records:
+// The merged output of the three, en_GB, checked by hand and against the data files' bytes read
+// another way. The other outputs are the same records:
 // under de_DE with the date's dots and the decimal comma, and separately without the symbol column.
 QByteArray checkedMerged(bool decimalComma) {
     QFile file(QDir(QStringLiteral(EXPORT_EXPECTED_DIR)).filePath(QStringLiteral("merged-en_GB.csv")));
@@ -134,7 +137,7 @@ TEST_F(ConvertToCsv, SeparateOutputOfTheVendorsFolder) {
     REQUIRE_FIXTURE("vendor-xmaster");
     CsvConversion conversion;
     conversion.convert(metastockFixture("vendor-xmaster"), " " + temp.sub("out") + " ", Chosen, false);
-    EXPECT_EQ(written(), (QStringList{"A2A.csv", "ENEL.csv", "RCS.csv"}));
+    EXPECT_EQ(written(), (QStringList{"NR.csv", "TES.csv", "WSN10.csv"}));
     for (const QString& symbol : Chosen)
         EXPECT_TRUE(readFileBytes(temp.file("out/" + symbol + ".csv")) == checkedSeparate(symbol)) << symbol.toStdString();
 }
