@@ -380,11 +380,15 @@ DataSummary summaryOf(const QByteArray& bytes, const Layout& layout, int count, 
 }
 
 std::vector<Record> readRecords(const QString& path, const Layout& layout, const QString& fileName) {
-    if (!QFileInfo::exists(path))
-        throw Failure(FailureNumber::FileNotFound,
-                      QStringLiteral("The data file %1 is missing.").arg(native(path)),
+    QByteArray bytes;
+    try {
+        bytes = StoreFiles::readAll(path, maxDataSize(layout));
+    } catch (const Failure& failure) {
+        if (failure.Number != FailureNumber::FileNotFound)
+            throw;
+        throw Failure(FailureNumber::FileNotFound, QStringLiteral("The data file %1 is missing.").arg(native(path)),
                       QStringLiteral("readRecords"));
-    const QByteArray bytes = StoreFiles::readAll(path, maxDataSize(layout));
+    }
     return parseData(bytes, layout, fileName);
 }
 
