@@ -63,6 +63,9 @@ TEST(Cli, ListAndDumpAFixtureAndFailOnStandardError) {
         EXPECT_TRUE(r.status == 1 && !(r.err + r.out).isEmpty()) << r.err.toStdString();
         EXPECT_TRUE(!says || (r.err.contains(QString::fromLatin1(says)) && r.out.isEmpty())) << r.err.toStdString();
     }
+    // A folder without a store is a problem to `check`, not an empty store.
+    const CliRun checked = cli({"check", empty.path()});
+    EXPECT_TRUE(checked.status == 1 && checked.out.contains("has no MASTER file")) << checked.out.toStdString();
 }
 
 TEST(Cli, CreateImportDumpAndCheck) {
