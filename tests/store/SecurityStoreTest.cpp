@@ -93,6 +93,7 @@ TEST(StoreWriting, RecordsComeBackOldestFirstAndADateHeldIsReplaced) {
     // A download run writes from the last record to the first.
     writeFolder(folder.path(), [&](SecurityWriter& w) {
         w.CreateSecurity(AAA, AAA, 1);
+        EXPECT_FALSE(w.DateExists(QString::number(days.front())));   // a new security holds no date
         addBars(w, std::vector<Bar>(bars.rbegin(), bars.rend()));
     });
     EXPECT_EQ(readDates(folder.path(), AAA), days);
