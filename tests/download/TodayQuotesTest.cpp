@@ -157,6 +157,10 @@ TEST_F(TodaySource, HttpsWithATrustedCertificateOnly) {
         trusting.DownloadDailyQuotes("RELIANCE.NS", QDate(2024, 11, 1), QDate(2024, 11, 8));
         EXPECT_EQ(trusting.Error, 0);
         EXPECT_EQ(dates(), QStringList({"2024-11-05", "2024-11-04"}));
+        // A refusal is the service's answer, as over plain HTTP: no data, not a failed transfer.
+        secure.serve(LoopbackReply::withStatus(403, serviceFixture("yahoo-chart-404.json")));
+        trusting.DownloadDailyQuotes("RELIANCE.NS", QDate(2024, 11, 1), QDate(2024, 11, 8));
+        EXPECT_EQ(trusting.Error, 2);
     }
     EXPECT_TRUE(secure.targets.last().startsWith("/v8/finance/chart/RELIANCE.NS?"));
 }
