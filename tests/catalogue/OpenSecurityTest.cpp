@@ -86,6 +86,8 @@ TEST_F(OpenSecurity, LoadListsTheLastFolderAndClickAndOpenGivesAFilledSheet) {
 // moves to; Enter then opens it. A double click opens the row clicked.
 TEST_F(OpenSecurity, EnterAndDoubleClickInTheListOpen) {
     auto dialog = shown<OpenSecurityDialog>();
+    QTest::keyClick(dialog->securityEdit, Qt::Key_Return);   // no default button takes it
+    EXPECT_TRUE(dialog->isVisible() && sheets().isEmpty());
     clickRow(*dialog, 2);
     dialog->securitiesList->setFocus();
     dialog->securitiesList->setCurrentItem(dialog->securitiesList->topLevelItem(0));
