@@ -24,7 +24,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <clocale>
 #include <memory>
+#include <string>
 
 namespace {
 
@@ -148,6 +150,19 @@ TEST_F(ConvertToCsv, MergedOutputUnderADecimalComma) {
     CsvConversion conversion;
     conversion.convert(metastockFixture("vendor-xmaster"), temp.sub("out"), Chosen, true);
     EXPECT_TRUE(readFileBytes(temp.file("out/data.csv")) == checkedMerged(true));
+}
+
+// --- the code page ---
+
+// Where the locale names no code page of its own ("C"), text is written in Windows-1252: its own
+// characters at 0x80..0x9F, Latin-1 above, "?" for the rest.
+TEST(CodePageText, Windows1252WhereTheLocaleNamesNone) {
+    const std::string before = std::setlocale(LC_CTYPE, nullptr);
+    std::setlocale(LC_CTYPE, "C");
+    const CodePage page;
+    std::setlocale(LC_CTYPE, before.c_str());
+    EXPECT_EQ(page.name(), "windows-1252");
+    EXPECT_EQ(page.encode(u"A\u20AC\u0152\u00E9\u0080\u0100").toHex(' '), QByteArray("A\x80\x8C\xE9??").toHex(' '));
 }
 
 // --- one record line ---
