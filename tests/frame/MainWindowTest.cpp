@@ -82,12 +82,14 @@ TEST(MainWindow, TheProgramStartsShownWithItsNameAndIcon) {
         const auto frame = startProgram(p);
         EXPECT_TRUE(frame->isVisible());
         EXPECT_EQ(QApplication::applicationName(), "Brindlemark v6");
+        EXPECT_EQ(QApplication::organizationName(), "Brindlemark");   // where the settings live
         EXPECT_EQ(QApplication::windowIcon().pixmap(48).toImage(), ProgramIcon().pixmap(48).toImage());
         EXPECT_NE(dynamic_cast<ReadProgressWindow*>(ReadProgress::create().get()), nullptr);
     }
     endProgram();
     EXPECT_EQ(dynamic_cast<ReadProgressWindow*>(ReadProgress::create().get()), nullptr);
     QApplication::setApplicationName(QStringLiteral("Brindlemark v6 tests"));
+    QApplication::setOrganizationName(QString());
     QApplication::setWindowIcon(QIcon());
 }
 

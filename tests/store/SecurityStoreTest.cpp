@@ -239,7 +239,8 @@ TEST(StoreWriting, ObjectGoesThroughManyCyclesAndSurvivesItsFailures) {
     makeSecurity(a.path(), AAA, {20050801});
     makeSecurity(b.path(), QStringLiteral("BBB"), {20050801});
     SecurityWriter w;
-    EXPECT_THROW(w.SymbolExists(QStringLiteral("A")), Failure);
+    EXPECT_THROW(w.SymbolExists(QStringLiteral("A")), Failure);   // no folder open
+    EXPECT_THROW(w.CreateSecurity(QStringLiteral("NEW"), QString(), 1), Failure);
     for (int i = 0; i < 3; ++i) {
         for (const auto& [folder, symbol] : {std::pair(a.path(), AAA), std::pair(b.path(), QStringLiteral("BBB"))}) {
             w.OpenFolder(folder);
