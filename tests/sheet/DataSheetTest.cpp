@@ -112,7 +112,8 @@ TEST_F(DataSheet, CancelAfterTheFirstRecordLeavesOneRowAndNoSelectionAndStaysUsa
     EXPECT_EQ(readBack(temp.path(), "ABC").size(), 49u);
 }
 
-// A day picked from the calendar with Enter goes into the date box, and the keyboard comes back to it.
+// A day picked from the calendar with Enter or a click goes into the date box, and the keyboard
+// comes back to it.
 TEST_F(DataSheet, ACalendarPickFillsTheDateBoxAndGivesItTheKeyboard) {
     QWidget window;
     auto* box = new DateBox(&window);
@@ -128,6 +129,13 @@ TEST_F(DataSheet, ACalendarPickFillsTheDateBoxAndGivesItTheKeyboard) {
     QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : calendar, Qt::Key_Return);
     EXPECT_FALSE(calendar->isVisible());
     EXPECT_EQ(box->text(), "20/11/2026");
+    EXPECT_EQ(QApplication::focusWidget(), box);
+    // The same with a day clicked.
+    other->setFocus();
+    box->calendarAction->trigger();
+    emit calendar->clicked(QDate(2026, 11, 21));
+    EXPECT_FALSE(calendar->isVisible());
+    EXPECT_EQ(box->text(), "21/11/2026");
     EXPECT_EQ(QApplication::focusWidget(), box);
 }
 
