@@ -278,20 +278,13 @@ void CsvText::appendNumber(double value, QByteArray& out) const {
 
 namespace {
 
-// The shortest plain text of a float that is no whole number, from 0.0001 on: the fewest decimals
-// d for which the float's nearest multiple of 10^-d lies within half a unit of the float's last
-// place, so that reading the text back gives the float again. The float times 10^d (d <= 12) and
-// the scaled half unit are exact in a double, so each try is one multiplication and one rounding.
-// Checked against the shortest scientific digits of every float in range: the same text, except
-// that one float below 0.0001 is left to the general way.
 constexpr char TwoDigits[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
                              "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
                              "8081828384858687888990919293949596979899";
 
 // Writes `n` backwards so that its last digit ends just before `end`, with `decimals` of its digits
 // after `decimal`, and a 0 before the separator when the whole part is 0.
-template <typename Unsigned>
-void putBackwards(Unsigned n, int decimals, char decimal, char* end) {
+void putBackwards(quint32 n, int decimals, char decimal, char* end) {
     char* q = end;
     int left = decimals;
     if (left & 1) {
@@ -317,11 +310,15 @@ void putBackwards(Unsigned n, int decimals, char decimal, char* end) {
     }
 }
 
-constexpr quint64 Pow10[20] = {1ULL, 10ULL, 100ULL, 1000ULL, 10000ULL, 100000ULL, 1000000ULL, 10000000ULL,
-                                100000000ULL, 1000000000ULL, 10000000000ULL, 100000000000ULL, 1000000000000ULL,
-                                10000000000000ULL, 100000000000000ULL, 1000000000000000ULL, 10000000000000000ULL,
-                                100000000000000000ULL, 1000000000000000000ULL, 10000000000000000000ULL};
+constexpr quint32 Pow10[10] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
 
+// The shortest plain text of a float that is no whole number, from 0.0001 on: the fewest decimals
+// d for which the float's nearest multiple of 10^-d lies within half a unit of the float's last
+// place, so that reading the text back gives the float again. The float times 10^d (d <= 12) and
+// the scaled half unit are exact in a double, so each try is one multiplication and one rounding.
+// Checked against the shortest scientific digits of every float in range: the same text, except
+// that one float below 0.0001 is left to the general way.
+// The digits found are at most nine, so they fit 32 bits.
 char* putShortestDecimals(float single, char decimal, char* p) {
     const double value = std::fabs(double(single));
     if (!(value >= 1e-4 && value < 8388608.0))
@@ -332,7 +329,7 @@ char* putShortestDecimals(float single, char decimal, char* p) {
     double whole = 0;
     int d = 0;
     for (;; ++d, scaled *= 10, halfUlp *= 10) {
-        if (d > 12 || scaled >= 0x1p52)
+        if (d > 12 || scaled >= 4294967295.0)
             return nullptr;
         whole = (scaled + 0x1p52) - 0x1p52;   // the nearest whole number (to even on a tie)
         if (std::fabs(whole - scaled) < halfUlp && whole != 0)
@@ -340,18 +337,14 @@ char* putShortestDecimals(float single, char decimal, char* p) {
     }
     // Written in place backwards from the last digit, two digits at a time: the decimals, the
     // separator, the whole part (or a 0 before the separator and leading zeros after it).
-    const auto n = static_cast<quint64>(whole);
-    const int bits = 64 - std::countl_zero(n);
-    int digits = (bits * 1233) >> 12;   // floor(log10) or one less
-    digits += n >= Pow10[digits] ? 1 : 0;
+    const auto n = static_cast<quint32>(whole);
+    int digits = 1;
+    while (digits < 10 && n >= Pow10[digits])
+        ++digits;
     if (single < 0)
         *p++ = '-';
     const int length = digits > d ? digits + (d > 0 ? 1 : 0) : d + 2;
-    char* const q = p + length;
-    if (n <= 0xFFFFFFFFu)
-        putBackwards(quint32(n), d, decimal, q);
-    else
-        putBackwards(n, d, decimal, q);
+    putBackwards(n, d, decimal, p + length);
     return p + length;
 }
 

@@ -299,7 +299,7 @@ QString dataFileName(int fileNumber, bool extended) {
     char name[24];
     char* p = name;
     *p++ = 'F';
-    p = std::to_chars(p, name + 12, fileNumber).ptr;
+    p = std::to_chars(p, name + sizeof name - 4, fileNumber).ptr;
     std::memcpy(p, extended ? ".MWD" : ".DAT", 4);
     return QString::fromLatin1(name, p + 4 - name);
 }

@@ -109,8 +109,9 @@ struct SecurityWriter::Impl {
         const Security& s = folder->index.securities[size_t(i)];
         const Layout l = s.layout();
         StoreFiles::Stamp seen;
-        QString path = folder->dataPath(s);
-        const DataSummary sum = summarize(path, l, s.dataFileName(), &seen);
+        const QString fileName = s.dataFileName();
+        QString path = folder->filePath(fileName);
+        const DataSummary sum = summarize(path, l, fileName, &seen);
         deselect();
         selected = i;
         selectedPath = std::move(path);
