@@ -49,8 +49,6 @@ TEST_F(CliDownload, OneLinePerSecurityMergedAsTheScreenMergesAndASummary) {
 }
 
 TEST_F(CliDownload, UsageFailuresAndAStopAfterTheSecurityInHand) {
-    EXPECT_EQ(run({"download"}), 2);
-    EXPECT_EQ(run({"download", "quotes"}), 2);
     EXPECT_EQ(run({"download", "quotes", temp.sub("x"), "--symbols"}), 2);
     EXPECT_EQ(run({"download", "quotes", temp.path() + "/missing"}), 1);
 

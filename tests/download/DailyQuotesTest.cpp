@@ -3,8 +3,6 @@
 
 #include "DownloadTestKit.h"
 
-#include "frame/ProgramState.h"
-
 namespace {
 
 class QuotesFetcher : public DownloadTest {
@@ -16,24 +14,13 @@ protected:
         return dq.Error;
     }
     int fetch(const QByteArray& body, int status = 200) { return fetch(LoopbackReply::withStatus(status, body)); }
-    static const QuoteRecord& quote(int index) { return handOvers().Quotes[index]; }
 
     QString symbol = "ABC";
-    Inet inet;
-    ::DailyQuotes dq{inet};
 };
 
-TEST_F(QuotesFetcher, AsksForTheSymbolWithTheLastDateFirstAndMonthsFromZero) {
-    const struct { QString symbol; QDate first, last; QString target; } cases[] = {
-        {"ABC", {2005, 7, 1}, {2005, 8, 5}, "/table.csv?s=ABC&d=7&e=5&f=2005&g=d&a=6&b=1&c=2005&ignore=.csv"},
-        {"  IBM ", {2004, 1, 31}, {2004, 12, 1}, "/table.csv?s=IBM&d=11&e=1&f=2004&g=d&a=0&b=31&c=2004&ignore=.csv"},
-        {"^GSPC", {1999, 12, 27}, {2000, 1, 2}, "/table.csv?s=^GSPC&d=0&e=2&f=2000&g=d&a=11&b=27&c=1999&ignore=.csv"},
-    };
-    for (const auto& c : cases) {
-        dq.DownloadDailyQuotes(c.symbol, c.first, c.last);
-        EXPECT_EQ(server.targets.last(), c.target.toLatin1());   // as it stands, the caret too
-    }
-    EXPECT_EQ(server.targets.size(), 3);
+TEST_F(QuotesFetcher, AsksForTheTrimmedSymbolWithTheLastDateFirstAndMonthsFromZero) {
+    dq.DownloadDailyQuotes("  ^GSPC ", {1999, 12, 27}, {2000, 1, 2});
+    EXPECT_EQ(server.targets, QList<QByteArray>{"/table.csv?s=^GSPC&d=0&e=2&f=2000&g=d&a=11&b=27&c=1999&ignore=.csv"});   // the caret as it stands
 }
 
 TEST_F(QuotesFetcher, ShapeTestAndRowWalk) {
@@ -42,18 +29,13 @@ TEST_F(QuotesFetcher, ShapeTestAndRowWalk) {
     const struct { const char* what; QByteArray body; int error; int rows; int status = 200; } cases[] = {
         {"empty reply", "", 2, 0}, {"header alone", Header, 2, 0}, {"header and one row", Header + r1, 0, 1},
         {"twelve fields, no position to visit, no row left over", "a,b,c,d,e,f,g,h,i,j,k,l", 0, 0},
-        {"fourteen fields, no position to visit", "a,b,c,d,e,f,g,h,i,j,k,l,m,n", 0, 0},
-        {"an error page of many pieces", "<html>,a,b,c,d,e,f,g,h,i,j,k,l,m,n,o,p</html>\n", 0, 0},
         {"no line end after the last row loses it", Header + r1 + r2 + r1.chopped(1), 0, 2},
-        {"two lines without a final line end give no row", Header + r1.chopped(1), 0, 0},
         {"CR LF line ends shift the columns", Header.chopped(1) + "\r\n" + r1.chopped(1) + "\r\n", 2, 0},
         {"CR alone ends a line as well", Header.chopped(1) + "\r" + r1.chopped(1) + "\r", 0, 1},
         {"volume at the 32-bit limit", Header + "2005-08-05,1,2,1,2,2147483647,2\n", 0, 1},
         {"volume beyond 32 bits fails the reply", Header + r1 + "2005-08-04,1,2,1,2,2147483648,2\n", 2, 0},
-        {"volume that is no number", Header + "2005-08-05,1,2,1,2,lots,2\n", 2, 0},
         {"open that is no number", Header + "2005-08-05,n/a,2,1,2,5,2\n", 2, 0},
-        {"close that is empty", Header + "2005-08-05,1,2,1,,5,2\n", 2, 0},
-        {"a server error page", "Not Found\n", 2, 0, 404}, {"a server error without a body", "", 2, 0, 500},
+        {"a server error without a body", "", 2, 0, 500},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(fetch(c.body, c.status), c.error) << c.what;

