@@ -73,10 +73,11 @@ TEST_F(CliDownload, AFolderAnotherRunIsWritingIsRefusedAndNothingIsAsked) {
     makeSecurity(a, "AAA.NS", "Alpha", {bar(20261110, 10)});
     writeTextFile(a + "/values.dat", "10/11/2026\r\n");
     replies.insert("AAA.NS", LoopbackReply::ok(Header + line(bar(20261111, 11))));
+    platform_.settings["Sources/IndexArchive"] = "today@" + server.endpoint();
     const ForeignLockHolder scheduledRun(a);
-    for (const QStringList& command : {QStringList{"download", "quotes", a}, QStringList{"download", "bhavcopy", a}}) {
-        SCOPED_TRACE(command.join(' ').toStdString());
-        EXPECT_EQ(run(command), 1);
+    for (const char* command : {"quotes", "bhavcopy", "index"}) {
+        SCOPED_TRACE(command);
+        EXPECT_EQ(run({"download", command, a}), 1);
         EXPECT_TRUE(last.err.contains("is being written by brindlemark-cli (process 4242)")) << last.err.toStdString();
     }
     EXPECT_TRUE(server.targets.isEmpty());

@@ -179,13 +179,6 @@ TEST_F(IndexWalk, TheCommandLineBringsTheFolderUpToDate) {
     makeSecurity(folder, "INDIAVIX", "My VIX", {bar(20241030, 5)});
     serveDay(QDate(2024, 11, 4), Head + "Nifty 50,04-11-2024,1,2,0.5,1.5,0,0,10,0,0,0,0\n"
                                         "India VIX,04-11-2024,3,4,2,3.5,0,0,-,-,-,-,-\n");
-    {
-        const ForeignLockHolder scheduledRun(folder);
-        const CliRun refused = cli({"download", "index", folder});
-        EXPECT_EQ(refused.status, 1);
-        EXPECT_TRUE(refused.err.contains("is being written by brindlemark-cli (process 4242)")) << refused.err.toStdString();
-        EXPECT_TRUE(server.targets.isEmpty());
-    }
     const CliRun r = cli({"download", "index", folder});
     EXPECT_EQ(r.status, 0) << r.err.toStdString();
     EXPECT_EQ(r.out, (QStringList{"04/11/2024 Updated: 2 indices.", "1 days with data"}));
