@@ -80,9 +80,8 @@ TEST_F(Catalogue, TheWalkStartsAtLastFolderAndListsOnlyWhenTheFolderChanges) {
     auto remove = shown<DeleteDataDialog>();
     expectControlsLaidOut(adjust.get());
     expectControlsLaidOut(remove.get());
-    // Each screen is centred when it loads, and stays where the user moved it when shown again.
+    // Each screen stays where the user moved it when shown again.
     for (QDialog* d : std::initializer_list<QDialog*>{adjust.get(), remove.get()}) {
-        EXPECT_LE((d->frameGeometry().center() - d->screen()->geometry().center()).manhattanLength(), 2);
         d->move(d->pos() - QPoint(40, 30));
         const QPoint moved = d->pos();
         d->hide();
