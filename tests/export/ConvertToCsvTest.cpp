@@ -2,13 +2,12 @@
 // checked by hand, the text of one record line under several locales, and what the user sees when
 // a field is empty, nothing is marked, a security has no records or a file cannot be written.
 
+#include "../store/StoreHelpers.h"
+#include "Cli.h"
 #include "export/CsvConversion.h"
 #include "export/CsvText.h"
 #include "export/ui/ConvertToCsvWindow.h"
 #include "frame/Failure.h"
-#include "store/ReadProgress.h"
-#include "store/SecurityReader.h"
-#include "store/SecurityWriter.h"
 #include "support/ProgressRecorder.h"
 #include "support/ScriptedPlatform.h"
 #include "support/TestSupport.h"
@@ -56,17 +55,6 @@ QByteArray checkedSeparate(const QString& symbol) {
     return out;
 }
 
-void makeSecurity(const QString& folder, const QString& symbol, const std::vector<std::array<double, 6>>& records) {
-    SecurityWriter writer;
-    writer.OpenFolder(folder);
-    writer.CreateSecurity(symbol, symbol, 1);
-    for (const auto& r : records)
-        writer.AddQuote(static_cast<qint32>(r[0]), 0, r[1], r[2], r[3], r[4], r[5], 0.0);
-    writer.SaveQuotes();
-    writer.CloseSecurity();
-    writer.CloseFolder();
-}
-
 class ConvertToCsv : public ::testing::Test {
 protected:
     ScriptedPlatform platform;
@@ -77,10 +65,6 @@ protected:
     void chooseDataFolder(const QString& path) {
         platform.chooseNext(path);
         window->dataFolderButton->click();
-    }
-    void chooseDestination(const QString& path) {
-        platform.chooseNext(path);
-        window->destinationButton->click();
     }
     QStringList listed() const {
         QStringList lines;
@@ -105,17 +89,13 @@ TEST_F(ConvertToCsv, MergedOutputOfTheVendorsFolderThroughTheScreen) {
     chooseDataFolder(metastockFixture("vendor-xmaster"));
     // Every security, in the reader's order.
     QStringList inStore;
-    SecurityReader reader;
-    reader.OpenFolder(metastockFixture("vendor-xmaster"));
-    while (reader.GetSecuritiesRemaining() >= 1) {
-        reader.NextSecurity();
-        inStore << reader.GetSymbol();
-    }
-    reader.CloseFolder();
+    for (const Listed& l : listFolder(metastockFixture("vendor-xmaster")))
+        inStore << l.symbol;
     EXPECT_EQ(inStore.size(), 462);
     EXPECT_EQ(listed(), inStore);
     mark(Chosen);
-    chooseDestination(temp.sub("out"));
+    platform.chooseNext(temp.sub("out"));
+    window->destinationButton->click();
     window->mergeCheck->setChecked(true);
     window->convertButton->click();
 
@@ -125,7 +105,6 @@ TEST_F(ConvertToCsv, MergedOutputOfTheVendorsFolderThroughTheScreen) {
     EXPECT_TRUE(readFileBytes(temp.file("out/data.csv")) == checkedMerged(false));
     // Each security: the window up with its message and range, one step a record, never asked
     // for a cancel, taken down at the end.
-    EXPECT_EQ(progress.calls.count("Show"), 3);
     EXPECT_EQ(progress.calls.count("Hide"), 3);
     EXPECT_EQ(progress.calls.count("SetMessage Converting Security"), 3);
     EXPECT_EQ(progress.cancelQuestions, 0);
@@ -135,19 +114,14 @@ TEST_F(ConvertToCsv, MergedOutputOfTheVendorsFolderThroughTheScreen) {
     EXPECT_TRUE(window->mergeCheck->isChecked());
 }
 
-TEST_F(ConvertToCsv, SeparateOutputOfTheVendorsFolder) {
+TEST_F(ConvertToCsv, SeparateOutputAndMergedUnderADecimalComma) {
     REQUIRE_FIXTURE("vendor-xmaster");
     CsvConversion conversion;
     conversion.convert(metastockFixture("vendor-xmaster"), " " + temp.sub("out") + " ", Chosen, false);
     EXPECT_EQ(written(), (QStringList{"NR.csv", "TES.csv", "WSN10.csv"}));
     for (const QString& symbol : Chosen)
         EXPECT_TRUE(readFileBytes(temp.file("out/" + symbol + ".csv")) == checkedSeparate(symbol)) << symbol.toStdString();
-}
-
-TEST_F(ConvertToCsv, MergedOutputUnderADecimalComma) {
-    REQUIRE_FIXTURE("vendor-xmaster");
     LocaleGuard locale(QStringLiteral("de_DE"));
-    CsvConversion conversion;
     conversion.convert(metastockFixture("vendor-xmaster"), temp.sub("out"), Chosen, true);
     EXPECT_TRUE(readFileBytes(temp.file("out/data.csv")) == checkedMerged(true));
 }
@@ -192,7 +166,6 @@ INSTANTIATE_TEST_SUITE_P(
         LineCase{"de_DE", 20050806, {12.34f, 1234.5, 0.00390625, 100, 1500000}, "SYM,06.08.2005,12,34,1234,5,0,00390625,100,1500000"},
         LineCase{"en_US", 20050806, {12.34f, 1234.5, 0.00390625, 100, 1500000}, "SYM,8/6/2005,12.34,1234.5,0.00390625,100,1500000"},
         // No date: "N/A" in every locale.
-        LineCase{"en_GB", 0, {1, 2, 3, 4, 5}, "SYM,N/A,1,2,3,4,5"},
         LineCase{"de_DE", 0, {1, 2, 3, 4, 5}, "SYM,N/A,1,2,3,4,5"},
         // A date no calendar has, from another program's file: as the date text gives it.
         LineCase{"en_GB", 20050260, {1, 2, 3, 4, 5}, "SYM,60/3/2005,1,2,3,4,5"},
@@ -221,7 +194,7 @@ TEST_F(ConvertToCsv, EmptyFieldsAskForTheFolderAndStop) {
 
     // The list fills only through the chooser; a cancelled choice empties the field and keeps it.
     TempFolder store;
-    makeSecurity(store.path(), "BHP", {{20050804, 1, 2, 3, 4, 5}});
+    makeSecurity(store.path(), "BHP", {20050804});
     window->dataFolderEdit->setText(store.path());
     EXPECT_EQ(window->symbolsList->count(), 0);
     chooseDataFolder(store.path());
@@ -241,41 +214,30 @@ TEST_F(ConvertToCsv, EmptyFieldsAskForTheFolderAndStop) {
     EXPECT_TRUE(progress.calls.isEmpty());
 }
 
-TEST_F(ConvertToCsv, NothingMarkedMakesAnEmptyMergedFile) {
-    makeSecurity(temp.sub("store"), "BHP", {{20050804, 1, 2, 3, 4, 5}});
-    writeTextFile(temp.sub("out") + "/data.csv", "old contents\r\n");
-    chooseDataFolder(temp.file("store"));
-    chooseDestination(temp.file("out"));
-    window->mergeCheck->setChecked(true);
-    window->convertButton->click();
-    EXPECT_EQ(platform.boxTexts(), QStringList{"Conversion Completed."});
-    EXPECT_EQ(written(), QStringList{"data.csv"});
-    EXPECT_EQ(readFileBytes(temp.file("out/data.csv")), QByteArray());
-
-    window->mergeCheck->setChecked(false);
-    window->convertButton->click();
-    EXPECT_EQ(written(), QStringList{"data.csv"});
-}
-
-TEST_F(ConvertToCsv, ASecurityWithoutRecordsGetsItsHeaderOnly) {
+TEST_F(ConvertToCsv, NothingMarkedMakesAnEmptyMergedFileAndNoRecordsAHeaderOnly) {
     const QString store = temp.sub("store");
     makeSecurity(store, "EMPTY", {});
-    makeSecurity(store, "ONE", {{20050804, 1.5, 2, 1, 1.75, 300}});
-    writeTextFile(temp.sub("out") + "/EMPTY.csv", "old contents that are longer than the new\r\n");
+    makeSecurity(store, "ONE", {20050804});
+    writeTextFile(temp.sub("out") + "/data.csv", "old contents\r\n");
+    writeTextFile(temp.file("out/EMPTY.csv"), "old contents that are longer than the new\r\n");
     CsvConversion conversion;
+    for (bool merge : {true, false})
+        conversion.convert(store, temp.file("out"), {}, merge);
+    EXPECT_EQ(written(), (QStringList{"EMPTY.csv", "data.csv"}));
+    EXPECT_EQ(readFileBytes(temp.file("out/data.csv")), QByteArray());
     conversion.convert(store, temp.file("out"), {"EMPTY", "ONE"}, false);
     EXPECT_EQ(readFileBytes(temp.file("out/EMPTY.csv")), "Date,Open,High,Low,Close,Volume\r\n");
     conversion.convert(store, temp.file("out"), {"EMPTY", "ONE"}, true);
     EXPECT_EQ(readFileBytes(temp.file("out/data.csv")),
               "Symbol,Date,Open,High,Low,Close,Volume\r\n"
               "Symbol,Date,Open,High,Low,Close,Volume\r\n"
-              "ONE,04/08/2005,1.5,2,1,1.75,300\r\n");
+              "ONE,04/08/2005,75,77,74,76,1804\r\n");
 }
 
 // --- failures ---
 
 TEST_F(ConvertToCsv, AFileThatCannotBeWrittenStopsWithABoxNamingIt) {
-    makeSecurity(temp.sub("store"), "BHP", {{20050804, 1, 2, 3, 4, 5}});
+    makeSecurity(temp.sub("store"), "BHP", {20050804});
     writeTextFile(temp.file("notafolder"), "a file where a folder should be");
     // A full disk: the files lead to the system's device that refuses every write.
     QFile::link(QStringLiteral("/dev/full"), temp.sub("full") + "/data.csv");
@@ -306,8 +268,8 @@ TEST_F(ConvertToCsv, AFileThatCannotBeWrittenStopsWithABoxNamingIt) {
 
 TEST_F(ConvertToCsv, AFailureHalfWayKeepsWhatWasWritten) {
     const QString store = temp.sub("store");
-    makeSecurity(store, "BHP", {{20050804, 1, 2, 3, 4, 5}});
-    makeSecurity(store, "A/B", {{20050804, 1, 2, 3, 4, 5}});
+    makeSecurity(store, "BHP", {20050804});
+    makeSecurity(store, "A/B", {20050804});
     CsvConversion conversion;
     for (const QString& second : {QStringLiteral("GONE"), QStringLiteral("A/B")}) {
         QFile::remove(temp.sub("out") + "/BHP.csv");
@@ -317,13 +279,48 @@ TEST_F(ConvertToCsv, AFailureHalfWayKeepsWhatWasWritten) {
         } catch (const Failure& failure) {
             EXPECT_TRUE(failure.Description.contains(second)) << failure.Description.toStdString();
         }
-        EXPECT_EQ(readFileBytes(temp.file("out/BHP.csv")), "Date,Open,High,Low,Close,Volume\r\n04/08/2005,1,2,3,4,5\r\n");
+        EXPECT_EQ(readFileBytes(temp.file("out/BHP.csv")), "Date,Open,High,Low,Close,Volume\r\n04/08/2005,75,77,74,76,1804\r\n");
         EXPECT_EQ(progress.calls.last(), "Hide");
     }
     // Merged, the file holds what came before the failure.
     EXPECT_THROW(conversion.convert(store, temp.file("out"), {"BHP", "GONE"}, true), Failure);
     EXPECT_EQ(readFileBytes(temp.file("out/data.csv")),
-              "Symbol,Date,Open,High,Low,Close,Volume\r\nBHP,04/08/2005,1,2,3,4,5\r\n");
+              "Symbol,Date,Open,High,Low,Close,Volume\r\nBHP,04/08/2005,75,77,74,76,1804\r\n");
+}
+
+// --- brindlemark-cli export: the same files without a screen, and --iso for other programs ---
+
+int run(const QStringList& arguments, QString& outText) {
+    QString errText;
+    QTextStream out(&outText), err(&errText);
+    return runCli(arguments, out, err);
+}
+
+TEST_F(ConvertToCsv, CliIsoFilesReadTheSameInEveryLocaleAndUsageIsChecked) {
+    const QString data = temp.sub("data"), dest = temp.path() + "/out";
+    makeSecurity(data, "AAA", {20050805, 20050806});
+    makeSecurity(data, "BBB", {});
+    for (const char* locale : {"de_DE", "en_US"}) {
+        LocaleGuard pinned(QString::fromLatin1(locale));
+        QString out;
+        ASSERT_EQ(run({"export", data, dest, "--merge", "--iso"}, out), 0) << locale;
+        EXPECT_EQ(readFileBytes(dest + "/data.csv"),
+                  "Symbol,Date,Open,High,Low,Close,Volume\r\n"
+                  "AAA,2005-08-05,75.25,77.25,74.25,76.25,1805\r\n"
+                  "AAA,2005-08-06,75.5,77.5,74.5,76.5,1806\r\n"
+                  "Symbol,Date,Open,High,Low,Close,Volume\r\n")
+            << locale;
+        EXPECT_EQ(out, "AAA 2 records " + QDir::toNativeSeparators(dest + "/data.csv") + "\nBBB 0 records "
+                           + QDir::toNativeSeparators(dest + "/data.csv") + "\n");
+    }
+    LocaleGuard german(QStringLiteral("de_DE"));
+    QString out;
+    ASSERT_EQ(run({"export", data, dest, "--symbols", "AAA"}, out), 0);
+    EXPECT_EQ(readFileBytes(dest + "/AAA.csv"),
+              "Date,Open,High,Low,Close,Volume\r\n05.08.2005,75,25,77,25,74,25,76,25,1805\r\n06.08.2005,75,5,77,5,74,5,76,5,1806\r\n");
+    EXPECT_EQ(run({"export", data}, out), 2);
+    EXPECT_EQ(run({"export", data, dest, "--symbols"}, out), 2);
+    EXPECT_EQ(run({"export", temp.path() + "/none", dest}, out), 1);
 }
 
 } // namespace

@@ -79,7 +79,8 @@ TEST(Cli, CreateImportDumpAndCheck) {
     r = cli({"import", folder.path(), "TCS", folder.file(QStringLiteral("in.csv"))});
     ASSERT_EQ(r.status, 0) << r.err.toStdString();
     EXPECT_EQ(cli({"dump", folder.path(), "TCS"}).out, DumpHeader + QStringLiteral("20050808,1.1,1.2,1.05,1.15,1e+06\n20050809,1.25,2,1,1.75,400\n"));
-    // Creating a symbol again empties it.
+    EXPECT_TRUE(inProcess({"list", folder.path()}).out.contains(QStringLiteral("TCS,TCS,F2,20050808,20050809,D,2\n")));
+    // Creating a symbol again empties it, in a file of a number not used before.
     ASSERT_EQ(inProcess({"create", folder.path(), "--from", "20060102", "TCS"}).status, 0);
     EXPECT_TRUE(inProcess({"list", folder.path()}).out.contains(QStringLiteral("TCS,TCS,F3,20060102,20060102,D,0\n")));
     r = cli({"check", folder.path()});

@@ -1,7 +1,6 @@
 // What the screens count on from the reader and the writer, on folders the tests make.
 #include "StoreHelpers.h"
 #include "frame/Failure.h"
-#include "store/ReadProgress.h"
 #include "store/StoreFiles.h"
 #include "support/TestSupport.h"
 
@@ -135,26 +134,6 @@ TEST(StoreWriting, RecordsComeBackOldestFirstAndADateHeldIsReplaced) {
     EXPECT_EQ(readBars(folder.path(), AAA), want);
 }
 
-TEST(StoreWriting, SeedOfANewSecurityIsItsFirstAndLastDateUntilRecordsCome) {
-    TempFolder folder;
-    const QString tcs = QStringLiteral("TCS");
-    makeSecurity(folder.path(), tcs, {20050801, 20050802});
-    writeFolder(folder.path(), [&](SecurityWriter& w) {
-        for (const QString& symbol : {QStringLiteral("INFY"), tcs})
-            createEmpty(w, symbol, 20050806);
-    });
-    const auto listed = listFolder(folder.path());
-    ASSERT_EQ(listed.size(), 2u);
-    for (const Listed& l : listed)
-        EXPECT_TRUE(l.first == 20050806 && l.last == 20050806) << l.symbol.toStdString();
-    // The security made again starts empty, with a file number not used before.
-    EXPECT_TRUE(readBars(folder.path(), tcs).empty());
-    EXPECT_EQ(listed[1].file, QStringLiteral("F3.DAT"));
-    writeFolder(folder.path(), [&](SecurityWriter& w) { w.OpenSecurity(tcs); addBars(w, {barOf(20050808), barOf(20050809)}); });
-    EXPECT_EQ(listFolder(folder.path())[1].first, 20050808);
-    EXPECT_EQ(listFolder(folder.path())[1].last, 20050809);
-}
-
 TEST(StoreWriting, SecuritiesAreFoundByTheirSymbolAfterOthersAreDeletedInTheSameFolder) {
     TempFolder folder;
     writeTextFile(folder.file("F5.DAT"), QByteArray(64, 'x'));   // another program's file: F5 is taken
@@ -228,10 +207,8 @@ TEST(StoreWriting, SymbolsAreCheckedOnCreateAndRename) {
     const auto listed = listFolder(folder.path());
     ASSERT_EQ(listed.size(), 3u);
     EXPECT_EQ(listed[0].symbol + u'|' + listed[0].name + u'|' + listed[1].name, QStringLiteral("NEWSYM|Renamed|A Long Name Of Over Sixteen"));
-    // The long name lies in EMASTER's full-name field; a short one leaves it empty.
-    const QByteArray emaster = readFileBytes(folder.file(QStringLiteral("EMASTER")));
-    EXPECT_EQ(emaster.mid(2 * 192 + 139, 28), QByteArray("A Long Name Of Over Sixteen\0", 28));
-    EXPECT_EQ(emaster.mid(192 + 139, 53), QByteArray(53, '\0'));
+    // A short name leaves EMASTER's full-name field empty.
+    EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("EMASTER"))).mid(192 + 139, 53), QByteArray(53, '\0'));
 }
 
 TEST(StoreWriting, ObjectGoesThroughManyCyclesAndSurvivesItsFailures) {
@@ -351,13 +328,4 @@ TEST(StoreWriting, AFailedCloseSaysWhatWasStoredAndLetsGoOfTheFolder) {
         EXPECT_EQ(readDates(folder.path(), AAA), dates);
         EXPECT_THROW(w.OpenSecurity(AAA), Failure);
     }
-}
-
-TEST(StoreProgress, WithoutAWindowProgressIsSilentAndNeverCancelled) {
-    ReadProgress::setFactory({});
-    auto p = ReadProgress::create();
-    p->Show();
-    p->SetRange(0, 3);
-    p->StepIt();
-    EXPECT_FALSE(p->GetCancelled());
 }
