@@ -53,6 +53,7 @@ TEST(Cli, ListAndDumpAFixtureAndFailOnStandardError) {
     const QString folder = metastockFixture(QStringLiteral("vendor-small"));
     const CliRun list = cli({"list", folder}), dump = cli({"dump", folder, ".FCHI"});
     EXPECT_EQ(list.status + dump.status, 0) << list.err.toStdString();
+    // A long name from EMASTER; the last date is the records' own (the index says 20111227).
     EXPECT_EQ(list.out, ListHeader + QStringLiteral(".DJX,1/100 Dow Jones INDU,F1,19970923,19970923,D,1\n.FCHI,CAC 40 INDICE,F2,19880819,19880822,D,2\n"
                                                     "AZM.L,AZM.L,F256,19961231,19961231,D,1\n.N225,NIKKEI 225 INDEX,F2853,19820104,19820105,D,2\n"));
     EXPECT_EQ(dump.out, DumpHeader + QStringLiteral("19880819,1308.62,1308.62,1308.62,1308.62,0\n19880822,1308.13,1308.13,1308.13,1308.13,0\n"));
