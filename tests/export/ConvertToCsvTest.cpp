@@ -209,7 +209,6 @@ TEST_F(ConvertToCsv, EmptyFieldsAskForTheFolderAndStop) {
     EXPECT_EQ(platform.chooserTitles.last(), "Select the Destination Folder");
     EXPECT_EQ(window->destinationEdit->text(), temp.path() + "/out");
     EXPECT_TRUE(written().isEmpty()) << "the conversion does not go on by itself";
-    EXPECT_TRUE(progress.calls.isEmpty());
 }
 
 TEST_F(ConvertToCsv, NothingMarkedMakesAnEmptyMergedFileAndNoRecordsAHeaderOnly) {

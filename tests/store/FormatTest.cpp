@@ -112,7 +112,6 @@ TEST(IndexBytes, TextIsWindows1252AndACutNameEndsInNul) {
     ASSERT_EQ(listed.size(), 3u);
     EXPECT_EQ(listed[0].symbol + listed[0].name, QStringLiteral("€URSociété Générale"));
     EXPECT_EQ(listed[2].name, cutAt45.left(44));
-    EXPECT_EQ(readBars(folder.path(), QStringLiteral("€UR")), std::vector<Bar>{});
     // Another program renamed HUL in MASTER only: EMASTER's long name lags behind and no longer counts.
     writeTextFile(folder.file(QStringLiteral("MASTER")), master.replace(2 * 53 + 7, 16, "UNILEVER INDIA  "));
     EXPECT_EQ(listFolder(folder.path())[1].name, QStringLiteral("UNILEVER INDIA"));
