@@ -4,11 +4,13 @@
 //   BM_ExportMerged/2000        2,000 securities of 250 records into one data.csv
 //   BM_PreparedWrite/...        the bytes of that output, written in one go
 //   BM_ReadOnly/...             the store's read of those records, with nothing written
-// And how much memory the conversion holds: BM_ExportHeap/N samples the heap in use at every
+// And how much memory the conversion takes: BM_ExportHeap/N samples the heap in use at every
 // record through the progress window's step (mallinfo2), and reports what is in use at the first
 // record above the start (the store's read of the security) and how far it grows over the records
-// after that (what the conversion itself keeps: this has to stay flat in N). A security holds at
-// most 65,534 records.
+// after that (what the conversion itself keeps). It also reports the highest resident memory of
+// the whole run above the start (Linux's VmHWM, reset before the run), which catches what is held
+// for a moment between two steps. All three have to stay flat in N. A security holds at most
+// 65,534 records.
 // Run: cmake --preset bench && cmake --build --preset bench --target bench_export_csv &&
 //      build/bench/bin/bench_export_csv
 
@@ -177,14 +179,32 @@ struct HeapSampler : ReadProgress {
     bool GetCancelled() const override { return false; }
 };
 
+// A field of /proc/self/status in KB ("VmRSS", "VmHWM").
+double statusKB(const QByteArray& field) {
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray& line : status.readAll().split('\n'))
+        if (line.startsWith(field + ':'))
+            return line.mid(field.size() + 1).trimmed().split(' ').value(0).toDouble();
+    return 0;
+}
+
 void BM_ExportHeap(benchmark::State& state) {
     const int records = static_cast<int>(state.range(0));
     const QString folder = folderWith(1, records);
     ReadProgress::setFactory([] { return std::make_unique<HeapSampler>(); });
+    CsvConversion().convert(folder, outputFolder(), {QStringLiteral("S0000")}, false);   // what is made once a run
     size_t before = 0;
+    double residentBefore = 0;
     for (auto _ : state) {
         malloc_trim(0);
         before = heapInUse();
+        QFile reset(QStringLiteral("/proc/self/clear_refs"));   // the peak starts again from here
+        if (reset.open(QIODevice::WriteOnly))
+            reset.write("5");
+        reset.close();
+        residentBefore = statusKB("VmRSS");
         HeapSampler::started = false;
         CsvConversion conversion;
         conversion.convert(folder, outputFolder(), {QStringLiteral("S0000")}, false);
@@ -192,6 +212,7 @@ void BM_ExportHeap(benchmark::State& state) {
     ReadProgress::setFactory({});
     state.counters["atFirstRecordKB"] = (static_cast<double>(HeapSampler::first) - static_cast<double>(before)) / 1024;
     state.counters["growthOverRecordsKB"] = static_cast<double>(HeapSampler::peak - HeapSampler::first) / 1024;
+    state.counters["residentPeakKB"] = statusKB("VmHWM") - residentBefore;
 }
 BENCHMARK(BM_ExportHeap)->Arg(1000)->Arg(10000)->Arg(65000)->Iterations(1)->Unit(benchmark::kMillisecond);
 

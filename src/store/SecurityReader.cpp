@@ -4,7 +4,6 @@
 #include "store/Refusal.h"
 #include "store/StoreFolder.h"
 
-#include <algorithm>
 #include <optional>
 
 using namespace metastock;
@@ -19,8 +18,7 @@ struct SecurityReader::Impl {
     std::optional<Folder> folder;
     int cursor = -1;    // the security cursor: -1 before the first
     int selected = -1;  // the security of FindSecurity / OpenSecurity, -1 for none
-    bool recordsOpen = false;
-    std::vector<Record> records;
+    std::optional<RecordStream> records;  // of the selected security, once opened
     int recordCursor = -1;
 
     void requireFolder(const char* operation) const { refuse.requireFolder(folder.has_value(), operation); }
@@ -35,20 +33,19 @@ struct SecurityReader::Impl {
         return folder->index.securities[size_t(current(operation))];
     }
     const Record& record(const char* operation) const {
-        if (!recordsOpen || recordCursor < 0)
+        if (!records || recordCursor < 0)
             refuse(QStringLiteral("No record is current."), operation);
-        return records[size_t(recordCursor)];
+        return records->at(recordCursor);
     }
     // First and last date of the current security: from its records, or from the index for a
     // security without records (or whose data file cannot be read).
     std::pair<qint32, qint32> dates(const char* operation) const {
         const int i = current(operation);
         const Security& s = folder->index.securities[size_t(i)];
-        if (recordsOpen && i == selected) {
-            if (records.empty())
+        if (records && i == selected) {
+            if (records->count() == 0)
                 return {s.firstDate, s.lastDate};
-            const DataSummary sum = summaryOf(records, s.layout().time);
-            return {sum.firstDate, sum.lastDate};
+            return {records->summary().firstDate, records->summary().lastDate};
         }
         try {
             const DataSummary sum = summarize(folder->dataPath(s), s.layout(), s.dataFileName());
@@ -60,9 +57,7 @@ struct SecurityReader::Impl {
     }
     void dropSelection() {
         selected = -1;
-        recordsOpen = false;
-        records.clear();
-        records.shrink_to_fit();
+        records.reset();
         recordCursor = -1;
     }
 };
@@ -96,25 +91,20 @@ void SecurityReader::OpenSecurity(const QString& symbol) {
         refuse(QStringLiteral("No symbol was given."), "OpenSecurity");
     const int i = d->folder->securityWithSymbol(symbol, "SecurityReader::OpenSecurity");
     const Security& s = d->folder->index.securities[size_t(i)];
-    std::vector<Record> records = readRecords(d->folder->dataPath(s), s.layout(), s.dataFileName());
     // Records come oldest first. Files of other writers may hold them out of order or hold a
-    // date twice: they are put in order, and records of one date (and time) stay, side by side
-    // in the order of the file.
-    const bool intraday = s.layout().time;
-    auto key = [intraday](const Record& r) { return std::pair(r.date, intraday ? r.time : 0); };
-    if (!std::is_sorted(records.begin(), records.end(), [&](const Record& a, const Record& b) { return key(a) < key(b); }))
-        std::stable_sort(records.begin(), records.end(), [&](const Record& a, const Record& b) { return key(a) < key(b); });
+    // date twice: they are put in order, and records of one date (and time) stay side by side.
+    RecordStream records(d->folder->dataPath(s), s.layout(), s.dataFileName());
     d->dropSelection();
     d->selected = i;
-    d->records = std::move(records);
-    d->recordsOpen = true;
+    d->records.emplace(std::move(records));
 }
 
 void SecurityReader::NextRecord() {
-    if (!d->recordsOpen)
+    if (!d->records)
         refuse(QStringLiteral("No security is open."), "NextRecord");
-    if (d->recordCursor + 1 >= int(d->records.size()))
+    if (d->recordCursor + 1 >= d->records->count())
         refuse(QStringLiteral("There is no further record."), "NextRecord");
+    d->records->load(d->recordCursor + 1);
     ++d->recordCursor;
 }
 
@@ -144,8 +134,8 @@ double SecurityReader::GetLow() const { return d->record("GetLow").low; }
 
 qint32 SecurityReader::GetRecordCount() const {
     const int i = d->current("GetRecordCount");
-    if (d->recordsOpen && i == d->selected)
-        return qint32(d->records.size());
+    if (d->records && i == d->selected)
+        return d->records->count();
     const Security& s = d->folder->index.securities[size_t(i)];
     return summarize(d->folder->dataPath(s), s.layout(), s.dataFileName()).count;
 }
@@ -153,9 +143,9 @@ qint32 SecurityReader::GetRecordCount() const {
 double SecurityReader::GetOpen() const { return d->record("GetOpen").open; }
 
 qint32 SecurityReader::GetRecordsRemaining() const {
-    if (!d->recordsOpen)
+    if (!d->records)
         refuse(QStringLiteral("No security is open."), "GetRecordsRemaining");
-    return qint32(d->records.size()) - (d->recordCursor + 1);
+    return d->records->count() - (d->recordCursor + 1);
 }
 
 double SecurityReader::GetVolume() const { return d->record("GetVolume").volume; }

@@ -165,55 +165,68 @@ void flushFolderOf(const QString& path) {
 
 } // namespace
 
-QByteArray readAll(const QString& path, qint64 maxSize) {
+PieceReader::PieceReader(const QString& path, qint64 maxSize) : path_(path) {
 #ifdef Q_OS_UNIX
     // Opened without waiting, so that a pipe under the name of a store file cannot hang the read.
-    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0) {
+    fd_ = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd_ < 0) {
         const int error = errno;
         readFailed(path, systemError(error), error == ENOENT ? FailureNumber::FileNotFound : FailureNumber::Store);
     }
     struct stat sb;
-    if (::fstat(fd, &sb) != 0 || !S_ISREG(sb.st_mode)) {
-        ::close(fd);
+    if (::fstat(fd_, &sb) != 0 || !S_ISREG(sb.st_mode)) {
+        ::close(fd_);
         readFailed(path, notRegular());
     }
-    if (sb.st_size > maxSize) {
-        ::close(fd);
-        tooLong(path, sb.st_size, maxSize);
+    size_ = sb.st_size;
+    if (size_ > maxSize) {
+        ::close(fd_);
+        tooLong(path, size_, maxSize);
     }
-    QByteArray bytes(qsizetype(sb.st_size), Qt::Uninitialized);
-    qsizetype done = 0;
-    while (done < bytes.size()) {
-        const ssize_t got = ::read(fd, bytes.data() + done, size_t(bytes.size() - done));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0) {
-            const int error = errno;
-            ::close(fd);
-            readFailed(path, systemError(error));
-        }
-        if (got == 0)
-            break;  // the file shrank while it was read
-        done += got;
-    }
-    ::close(fd);
-    bytes.truncate(done);
-    return bytes;
 #else
     const QFileInfo info(path);
     if (info.exists() && !info.isFile())
         readFailed(path, notRegular());
     if (info.size() > maxSize)
         tooLong(path, info.size(), maxSize);
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        readFailed(path, file.errorString(), info.exists() ? FailureNumber::Store : FailureNumber::FileNotFound);
-    const QByteArray bytes = file.read(maxSize + 1);
-    if (bytes.size() > maxSize)
-        tooLong(path, bytes.size(), maxSize);
-    return bytes;
+    file_ = std::make_unique<QFile>(path);
+    if (!file_->open(QIODevice::ReadOnly))
+        readFailed(path, file_->errorString(), info.exists() ? FailureNumber::Store : FailureNumber::FileNotFound);
+    size_ = std::min(file_->size(), maxSize);
 #endif
+}
+
+PieceReader::~PieceReader() {
+#ifdef Q_OS_UNIX
+    ::close(fd_);
+#endif
+}
+
+QByteArray PieceReader::read(qint64 offset, qint64 length) const {
+    QByteArray bytes(qsizetype(std::max<qint64>(0, length)), Qt::Uninitialized);
+    qsizetype done = 0;
+#ifdef Q_OS_UNIX
+    while (done < bytes.size()) {
+        const ssize_t got = ::pread(fd_, bytes.data() + done, size_t(bytes.size() - done), off_t(offset + done));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            readFailed(path_, systemError(errno));
+        if (got == 0)
+            break;  // the file ends sooner: it shrank while it was read
+        done += got;
+    }
+#else
+    if (file_->seek(offset))
+        done = std::max<qint64>(0, file_->read(bytes.data(), bytes.size()));
+#endif
+    bytes.truncate(done);
+    return bytes;
+}
+
+QByteArray readAll(const QString& path, qint64 maxSize) {
+    const PieceReader file(path, maxSize);
+    return file.read(0, file.size());
 }
 
 bool isReadOnly(const QString& path) {

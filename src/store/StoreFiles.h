@@ -7,8 +7,11 @@
 #include <QByteArray>
 #include <QString>
 
+#include <memory>
 #include <utility>
 #include <vector>
+
+class QFile;
 
 namespace StoreFiles {
 
@@ -30,6 +33,28 @@ QStringList fileNames(const QString& folder);
 // Whole file; raises Failure (FileNotFound) when it cannot be read, and Failure when it is not a
 // regular file (a pipe, a device) or is longer than `maxSize`, the most its format allows.
 QByteArray readAll(const QString& path, qint64 maxSize);
+// A file read a piece at a time, for one too long to hold whole. Opening it checks what readAll()
+// checks; it stays open, and reads the same file even when another is put in its place, until
+// the object goes.
+class PieceReader {
+public:
+    PieceReader(const QString& path, qint64 maxSize);
+    ~PieceReader();
+    PieceReader(const PieceReader&) = delete;
+    PieceReader& operator=(const PieceReader&) = delete;
+    qint64 size() const { return size_; }  // when opened
+    // `length` bytes from `offset`; fewer where the file ends sooner.
+    QByteArray read(qint64 offset, qint64 length) const;
+
+private:
+    QString path_;
+    qint64 size_ = 0;
+#ifdef Q_OS_UNIX
+    int fd_ = -1;
+#else
+    std::unique_ptr<QFile> file_;
+#endif
+};
 
 // A file whose owner may not write it (the read-only attribute on Windows). The store refuses to
 // write such a file, or to replace it, even where the system would let it.

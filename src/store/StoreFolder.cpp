@@ -379,17 +379,84 @@ DataSummary summaryOf(const QByteArray& bytes, const Layout& layout, int count, 
     });
 }
 
-std::vector<Record> readRecords(const QString& path, const Layout& layout, const QString& fileName) {
-    QByteArray bytes;
+namespace {
+
+// Pieces of a long data file are read this long.
+constexpr qint64 PieceBytes = 64 * 1024;
+
+bool before(const Record& a, const Record& b, bool intraday) {
+    return a.date < b.date || (intraday && a.date == b.date && a.time < b.time);
+}
+
+} // namespace
+
+RecordStream::RecordStream(const QString& path, const Layout& layout, const QString& fileName)
+    : layout_(layout), fileName_(fileName) {
     try {
-        bytes = StoreFiles::readAll(path, maxDataSize(layout));
+        file_ = std::make_unique<StoreFiles::PieceReader>(path, maxDataSize(layout));
     } catch (const Failure& failure) {
         if (failure.Number != FailureNumber::FileNotFound)
             throw;
         throw Failure(FailureNumber::FileNotFound, QStringLiteral("The data file %1 is missing.").arg(native(path)),
                       QStringLiteral("readRecords"));
     }
-    return parseData(bytes, layout, fileName);
+    const int length = layout.recordLength();
+    const qint64 size = file_->size();
+    const bool intraday = layout.time;
+    if (size > PieceBytes) {
+        // A first pass over the dates alone tells whether the records can come as they lie.
+        const int count = dataRecordCount(file_->read(0, length), size, layout, fileName);
+        const int perPiece = int(PieceBytes / length);
+        QByteArray bytes;
+        std::pair<qint32, qint32> last;
+        for (int first = 0; first < count && summary_.ordered; first += perPiece) {
+            const int n = std::min(perPiece, count - first);
+            readPiece(first, n, bytes);
+            const DataSummary piece = summaryOf(bytes, layout, n);
+            const std::pair<qint32, qint32> next(recordDate(bytes, layout, 0), recordTime(bytes, layout, 0));
+            if (first == 0) {
+                summary_ = piece;
+            } else {
+                summary_.firstDate = std::min(summary_.firstDate, piece.firstDate);
+                summary_.lastDate = std::max(summary_.lastDate, piece.lastDate);
+                summary_.ordered = piece.ordered && (next.first > last.first ||
+                                                     (intraday && next.first == last.first && next.second > last.second));
+            }
+            last = {recordDate(bytes, layout, n - 1), recordTime(bytes, layout, n - 1)};
+        }
+        summary_.count = count;
+        if (summary_.ordered) {
+            pieceFirst_ = count;   // nothing in memory yet
+            return;
+        }
+    }
+    piece_ = parseData(file_->read(0, size), layout, fileName);
+    file_.reset();
+    if (!std::is_sorted(piece_.begin(), piece_.end(), [&](const Record& a, const Record& b) { return before(a, b, intraday); }))
+        std::stable_sort(piece_.begin(), piece_.end(), [&](const Record& a, const Record& b) { return before(a, b, intraday); });
+    summary_ = summaryOf(piece_, intraday);
+}
+
+RecordStream::~RecordStream() = default;
+RecordStream::RecordStream(RecordStream&&) noexcept = default;
+RecordStream& RecordStream::operator=(RecordStream&&) noexcept = default;
+
+// The `n` records from record `first`, read with the record before them (the header for the
+// first record) so that record `first` + i lies where the format puts record i of a file.
+void RecordStream::readPiece(int first, int n, QByteArray& bytes) const {
+    const int length = layout_.recordLength();
+    bytes = file_->read(qint64(first) * length, qint64(n + 1) * length);
+    if (bytes.size() < qint64(n + 1) * length)
+        throw Failure(FailureNumber::Store, QStringLiteral("The data file %1 grew shorter while it was read.").arg(fileName_),
+                      QStringLiteral("readRecords"));
+}
+
+void RecordStream::loadPiece(int i) {
+    const int n = std::min(int(PieceBytes / layout_.recordLength()), count() - i);
+    QByteArray bytes;
+    readPiece(i, n, bytes);
+    piece_ = decodeRecords(bytes, layout_, 0, n);
+    pieceFirst_ = i;
 }
 
 DataSummary summarize(const QString& path, const Layout& layout, const QString& fileName,

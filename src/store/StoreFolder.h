@@ -9,6 +9,7 @@
 #include <QSet>
 #include <QString>
 
+#include <memory>
 #include <vector>
 
 namespace metastock {
@@ -94,7 +95,37 @@ DataSummary summaryOf(const std::vector<Record>& records, bool intraday);
 // the date of each.
 DataSummary summaryOf(const QByteArray& bytes, const Layout& layout, int count, std::vector<qint32>* dates = nullptr);
 
-// All records of a data file in file order. Raises Failure.
-std::vector<Record> readRecords(const QString& path, const Layout& layout, const QString& fileName);
+// The records of a data file, oldest first. Records of one date (and time) stay side by side in
+// the order of the file. A file too long to hold whole whose records are in order is read a piece
+// at a time as the records are asked for, so that going through a long security takes no more
+// memory than a short one; any other file is read whole and put in order. Raises Failure.
+class RecordStream {
+public:
+    RecordStream(const QString& path, const Layout& layout, const QString& fileName);
+    ~RecordStream();
+    RecordStream(RecordStream&&) noexcept;
+    RecordStream& operator=(RecordStream&&) noexcept;
+
+    int count() const { return summary_.count; }
+    const DataSummary& summary() const { return summary_; }
+    // Makes record `i` (0 to count() - 1) ready for at(); it reads the piece of the file that
+    // holds it when it is not in memory.
+    void load(int i) {
+        if (i < pieceFirst_ || i >= pieceFirst_ + int(piece_.size()))
+            loadPiece(i);
+    }
+    const Record& at(int i) const { return piece_[size_t(i - pieceFirst_)]; }
+
+private:
+    void loadPiece(int i);
+    void readPiece(int first, int n, QByteArray& bytes) const;
+
+    Layout layout_;
+    QString fileName_;
+    std::unique_ptr<StoreFiles::PieceReader> file_;  // only while pieces are still to be read
+    DataSummary summary_;
+    std::vector<Record> piece_;
+    int pieceFirst_ = 0;
+};
 
 } // namespace metastock

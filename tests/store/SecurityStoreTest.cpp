@@ -85,6 +85,37 @@ TEST(StoreReading, CursorsCountDownAndTheLastRecordStaysCurrent) {
     EXPECT_THROW(r.GetName(), Failure);
 }
 
+// A security too long to hold whole is read a piece of 64 KB at a time: every record comes, oldest
+// first, also where two records lie out of order just where two pieces meet; a file cut short
+// while it is read says so, after the records read up to then.
+TEST(StoreReading, ALongSecurityComesWholeAndInOrder) {
+    TempFolder folder;
+    const auto days = tradingDays(19900101, 6000);  // 28-byte records: 2,340 a piece
+    makeSecurity(folder.path(), AAA, days);
+    const QString data = folder.file(QStringLiteral("F1.DAT"));
+    const QByteArray inOrder = readFileBytes(data);
+    EXPECT_EQ(readBars(folder.path(), AAA), barsOf(days));
+    QByteArray swapped = inOrder;
+    swapped.replace(2340 * 28, 28, inOrder.mid(2341 * 28, 28)).replace(2341 * 28, 28, inOrder.mid(2340 * 28, 28));
+    writeTextFile(data, swapped);
+    EXPECT_EQ(readBars(folder.path(), AAA), barsOf(days));
+
+    writeTextFile(data, inOrder);
+    SecurityReader r;
+    r.OpenFolder(folder.path());
+    r.OpenSecurity(AAA);
+    EXPECT_EQ(std::tuple(r.GetRecordCount(), r.GetFirstDate(), r.GetLastDate()), std::tuple(6000, days.front(), days.back()));
+    QFile cut(data);
+    ASSERT_TRUE(cut.resize(3001 * 28));
+    int read = 0;
+    const std::string text = failureText([&] {
+        for (; r.GetRecordsRemaining() > 0; ++read)
+            r.NextRecord();
+    });
+    EXPECT_TRUE(contains(text, "F1.DAT grew shorter while it was read")) << text;
+    ASSERT_TRUE(read > 0 && read <= 3000) << read;
+    EXPECT_EQ(r.GetDate(), days[size_t(read - 1)]);
+}
 TEST(StoreWriting, RecordsComeBackOldestFirstAndADateHeldIsReplaced) {
     TempFolder folder;
     const auto days = tradingDays(20050801, 10);
