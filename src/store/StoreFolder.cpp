@@ -398,7 +398,7 @@ RecordStream::RecordStream(const QString& path, const Layout& layout, const QStr
         if (failure.Number != FailureNumber::FileNotFound)
             throw;
         throw Failure(FailureNumber::FileNotFound, QStringLiteral("The data file %1 is missing.").arg(native(path)),
-                      QStringLiteral("readRecords"));
+                      QStringLiteral("RecordStream"));
     }
     const int length = layout.recordLength();
     const qint64 size = file_->size();
@@ -448,7 +448,7 @@ void RecordStream::readPiece(int first, int n, QByteArray& bytes) const {
     bytes = file_->read(qint64(first) * length, qint64(n + 1) * length);
     if (bytes.size() < qint64(n + 1) * length)
         throw Failure(FailureNumber::Store, QStringLiteral("The data file %1 grew shorter while it was read.").arg(fileName_),
-                      QStringLiteral("readRecords"));
+                      QStringLiteral("RecordStream"));
 }
 
 void RecordStream::loadPiece(int i) {
