@@ -337,6 +337,12 @@ std::pair<int, bool> Folder::newFileNumber() const {
 
 namespace {
 
+// Whether a record of date and time `now` comes after one of `previous` (times count for intraday
+// records only).
+bool follows(std::pair<qint32, qint32> now, std::pair<qint32, qint32> previous, bool intraday) {
+    return now.first > previous.first || (intraday && now.first == previous.first && now.second > previous.second);
+}
+
 // The summary of `count` records whose date and time `at(i)` gives.
 template <typename At>
 DataSummary summaryFrom(int count, bool intraday, At at) {
@@ -351,7 +357,7 @@ DataSummary summaryFrom(int count, bool intraday, At at) {
         } else {
             s.firstDate = std::min(s.firstDate, date);
             s.lastDate = std::max(s.lastDate, date);
-            if (!(date > previous.first || (intraday && date == previous.first && now.second > previous.second)))
+            if (!follows(now, previous, intraday))
                 s.ordered = false;
         }
         previous = now;
@@ -384,10 +390,6 @@ namespace {
 // Pieces of a long data file are read this long.
 constexpr qint64 PieceBytes = 64 * 1024;
 
-bool before(const Record& a, const Record& b, bool intraday) {
-    return a.date < b.date || (intraday && a.date == b.date && a.time < b.time);
-}
-
 } // namespace
 
 RecordStream::RecordStream(const QString& path, const Layout& layout, const QString& fileName)
@@ -408,23 +410,14 @@ RecordStream::RecordStream(const QString& path, const Layout& layout, const QStr
         const int count = dataRecordCount(file_->read(0, length), size, layout, fileName);
         const int perPiece = int(PieceBytes / length);
         QByteArray bytes;
-        std::pair<qint32, qint32> last;
-        for (int first = 0; first < count && summary_.ordered; first += perPiece) {
-            const int n = std::min(perPiece, count - first);
-            readPiece(first, n, bytes);
-            const DataSummary piece = summaryOf(bytes, layout, n);
-            const std::pair<qint32, qint32> next(recordDate(bytes, layout, 0), recordTime(bytes, layout, 0));
-            if (first == 0) {
-                summary_ = piece;
-            } else {
-                summary_.firstDate = std::min(summary_.firstDate, piece.firstDate);
-                summary_.lastDate = std::max(summary_.lastDate, piece.lastDate);
-                summary_.ordered = piece.ordered && (next.first > last.first ||
-                                                     (intraday && next.first == last.first && next.second > last.second));
+        int first = 0;
+        summary_ = summaryFrom(count, intraday, [&](int i) {
+            if (i == 0 || i == first + perPiece) {
+                first = i;
+                readPiece(first, std::min(perPiece, count - first), bytes);
             }
-            last = {recordDate(bytes, layout, n - 1), recordTime(bytes, layout, n - 1)};
-        }
-        summary_.count = count;
+            return std::pair(recordDate(bytes, layout, i - first), recordTime(bytes, layout, i - first));
+        });
         if (summary_.ordered) {
             pieceFirst_ = count;   // nothing in memory yet
             return;
@@ -432,8 +425,11 @@ RecordStream::RecordStream(const QString& path, const Layout& layout, const QStr
     }
     piece_ = parseData(file_->read(0, size), layout, fileName);
     file_.reset();
-    if (!std::is_sorted(piece_.begin(), piece_.end(), [&](const Record& a, const Record& b) { return before(a, b, intraday); }))
-        std::stable_sort(piece_.begin(), piece_.end(), [&](const Record& a, const Record& b) { return before(a, b, intraday); });
+    const auto before = [intraday](const Record& a, const Record& b) {
+        return follows({b.date, b.time}, {a.date, a.time}, intraday);
+    };
+    if (!std::is_sorted(piece_.begin(), piece_.end(), before))
+        std::stable_sort(piece_.begin(), piece_.end(), before);
     summary_ = summaryOf(piece_, intraday);
 }
 
