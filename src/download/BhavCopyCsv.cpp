@@ -80,7 +80,7 @@ std::optional<QList<BhavRow>> read(const QByteArray& csv) {
         const auto field = [&](Column c) { return fields[(*columns)[c]]; };
         BhavRow row;
         row.Symbol = QString::fromUtf8(field(Symbol));
-        if (row.Symbol.isEmpty())
+        if (row.Symbol.isEmpty() || row.Symbol == u"W1")   // never written, as in the older files
             continue;
         const auto open = number(field(Open));
         const auto high = number(field(High));

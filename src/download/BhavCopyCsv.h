@@ -16,8 +16,9 @@ namespace BhavCopyCsv {
 
 // One row per symbol, in the order in which the symbols first appear: the row of the EQ series
 // when the symbol has one, else of BE, else its first row. A line whose fields are missing or
-// whose numbers do not read gives no row. Empty when the text is no such file (no header of
-// either form: an error page, a captive portal's page) or holds no row.
+// whose numbers do not read gives no row, nor does a row of the symbol "W1". Empty when the text
+// is no such file (no header of either form: an error page, a captive portal's page) or holds no
+// row.
 std::optional<QList<BhavRow>> read(const QByteArray& csv);
 
 } // namespace BhavCopyCsv

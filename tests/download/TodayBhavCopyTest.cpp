@@ -49,9 +49,9 @@ TEST(TodayBhavCopyRead, RepliesThatHoldNoDayAndLinesThatGiveNoRow) {
         {"a CRC that does not match", crcBroken, {}}, {"no archive", good, {}},
         {"malformed lines only, one bad field each",
          zipped(Shuffled + "EQ,A,,1e999,2,1,3,1\nEQ,B,,1,2,1\nEQ,,,1,2,1,3,1\nEQ,C,,1,x,1,3,1\nEQ,D,,1,2,-,3,1\nEQ,E,,1,2,1,,1\nEQ,F,,1,2,1,3,1.2.3\n"), {}},
-        {"a folder first, a BOM, CR line ends, a quoted name with a comma, blanks around",
+        {"a folder first, a BOM, CR line ends, a quoted name with a comma, blanks around, W1",
          makeArchive({ZipEntry::dir("2024/"), ZipEntry::file("2024/d.csv", "\xEF\xBB\xBF" "TCKRSYMB,FinInstrmNm,SctySrs,OpnPric,HghPric,LwPric,ClsPric,TtlTradgVol\r\r"
-                                                                 " ABC ,\"ABC, LTD\",EQ, 1 ,2,0.5,1.5,10\r" "DEF,D,EQ,1,2,1,n/a,10\r")}),
+                                                                 " ABC ,\"ABC, LTD\",EQ, 1 ,2,0.5,1.5,10\r" "DEF,D,EQ,1,2,1,n/a,10\r" " W1 ,W,EQ,1,2,1,1.5,10\r")}),
          {"ABC"}},
     };
     for (const auto& c : cases) {
