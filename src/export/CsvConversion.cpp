@@ -101,8 +101,10 @@ SecurityReader& CsvConversion::reader() {
 }
 
 ReadProgress& CsvConversion::progress() {
-    if (!progress_)
+    if (!progress_) {
         progress_ = ReadProgress::create();
+        progress_->OfferCancel(false);   // a conversion runs to its end
+    }
     return *progress_;
 }
 

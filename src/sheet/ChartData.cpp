@@ -36,7 +36,7 @@ ChartLoadEnd LoadChart(const QString& folder, const QString& symbol, std::vector
     const std::unique_ptr<ReadProgress> progress = ReadProgress::create();
     SecurityReader reader;
 
-    const qint32 count = OpenForLongRead(*progress, reader, folder, symbol);
+    OpenForLongRead(*progress, reader, folder, symbol);
 
     reader.SetRecordMode(2);
 

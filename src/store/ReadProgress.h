@@ -22,6 +22,9 @@ public:
     // Moves the bar on by one step and serves the window's events, so that Cancel gets through.
     virtual void StepIt() = 0;
     virtual bool GetCancelled() const = 0;
+    // The window offers Cancel unless told otherwise; a caller that never asks GetCancelled takes
+    // it away, so that no button promises a stop that does not come.
+    virtual void OfferCancel(bool offered) { (void)offered; }
 
     // A new progress object, from the installed factory.
     static std::unique_ptr<ReadProgress> create();

@@ -101,6 +101,7 @@ TEST_F(ConvertToCsv, MergedOutputOfTheVendorsFolderThroughTheScreen) {
     EXPECT_EQ(progress.calls.count("Hide"), 3);
     EXPECT_EQ(progress.calls.count("SetMessage Converting Security"), 3);
     EXPECT_EQ(progress.cancelQuestions, 0);
+    EXPECT_EQ(progress.calls.first(), "OfferCancel 0");   // nor is a Cancel button shown
     EXPECT_EQ(progress.calls.last(), "Hide");
     // The screen stays as it was.
     EXPECT_EQ(window->symbolsList->selectedItems().size(), 3);

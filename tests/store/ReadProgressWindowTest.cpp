@@ -46,6 +46,8 @@ TEST_F(ReadProgressWindowTest, ShowsBarCaptionAndMessageAndGoesAwayWhenHiddenOrR
     EXPECT_GT(cancel.top(), bar->geometry().bottom());
     EXPECT_GT(cancel.left(), window->width() / 2);
     EXPECT_TRUE(window->rect().contains(cancel));
+    progress->OfferCancel(false);
+    EXPECT_FALSE(child<QPushButton>(window, QStringLiteral("cancelButton"))->isVisible());
     progress->Hide();
     EXPECT_EQ(shownProgressWindow(), nullptr);
     progress->Show();

@@ -24,6 +24,7 @@ struct ProgressRecorder {
         void SetMessage(const QString& text) override { log->calls << "SetMessage " + text; }
         void SetStep(qint32 step) override { log->calls << QStringLiteral("SetStep %1").arg(step); }
         void StepIt() override { log->calls << "StepIt"; }
+        void OfferCancel(bool offered) override { log->calls << QStringLiteral("OfferCancel %1").arg(offered); }
         bool GetCancelled() const override {
             ++log->cancelQuestions;
             return log->cancelAfterSteps >= 0 && log->calls.count("StepIt") >= log->cancelAfterSteps;

@@ -35,9 +35,11 @@ ReadProgressWindow::ReadProgressWindow(QWidget* parent)
     buttons->addStretch();
     buttons->addWidget(cancelButton);
     auto* layout = new QVBoxLayout(this);
+    layout->addStretch();   // the room of a Cancel that is not offered, above and below
     layout->addWidget(lblMessage);
     layout->addWidget(ProgressBar1);
     layout->addLayout(buttons);
+    layout->addStretch();
     setFixedSize(360, 120);
 
     connect(cancelButton, &QPushButton::clicked, this, [this] { cancel(); });
@@ -96,6 +98,8 @@ void ReadProgressWindow::serve() {
 }
 
 bool ReadProgressWindow::GetCancelled() const { return cancelled_; }
+
+void ReadProgressWindow::OfferCancel(bool offered) { cancelButton->setVisible(offered); }
 
 void ReadProgressWindow::cancel() {
     cancelled_ = true;

@@ -28,6 +28,7 @@ public:
     void SetStep(qint32 step) override;
     void StepIt() override;
     bool GetCancelled() const override;
+    void OfferCancel(bool offered) override;
 
     void cancel();
 
