@@ -1,6 +1,7 @@
 #include "Cli.h"
 
 #include "DownloadCommands.h"
+#include "catalogue/CreateSymbols.h"
 #include "ExportCommand.h"
 
 #include "download/ServiceAddresses.h"
@@ -102,6 +103,8 @@ int create(const QString& folder, qint32 from, const QStringList& symbols) {
         writer.CloseSecurity();
     }
     writer.CloseFolder();
+    // As Create New Symbols leaves the folder: the NSE India walk starts after this date.
+    CreateSymbols::WriteValuesFile(folder, Regional::fromStoreDate(from));
     return 0;
 }
 
@@ -187,7 +190,8 @@ QString cliUsage() {
         "  dump FOLDER SYMBOL                      the records of a security, oldest first:\n"
         "                                          Date,Open,High,Low,Close,Volume\n"
         "  create FOLDER --from YYYYMMDD SYMBOL... new empty securities whose data starts at that date\n"
-        "                                          (an existing security of the symbol is replaced)\n"
+        "                                          (an existing security of the symbol is replaced);\n"
+        "                                          the date goes into values.dat\n"
         "  import FOLDER SYMBOL FILE               adds the records of a CSV file with the header of dump;\n"
         "                                          a date the security holds is replaced\n"
         "  check FOLDER                            reports every inconsistency of the folder\n"

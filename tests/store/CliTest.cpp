@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 
 namespace {
 
@@ -73,6 +74,7 @@ TEST(Cli, CreateImportDumpAndCheck) {
     CliRun r = cli({"create", folder.path(), "--from", "20050806", "INFY", "TCS"});
     ASSERT_EQ(r.status, 0) << r.err.toStdString();
     EXPECT_EQ(cli({"list", folder.path()}).out, ListHeader + QStringLiteral("INFY,INFY,F1,20050806,20050806,D,0\nTCS,TCS,F2,20050806,20050806,D,0\n"));
+    EXPECT_TRUE(QRegularExpression("^06\\D08\\D2005\r\n$").match(QString::fromLatin1(readFileBytes(folder.file(QStringLiteral("values.dat"))))).hasMatch());
     // Written out of order, one date twice: the last one wins, records come oldest first.
     writeTextFile(folder.file(QStringLiteral("in.csv")), "Date,Open,High,Low,Close,Volume\n20050809,1.5,2,1,1.75,300\n"
                                                          "20050808,1.1,1.2,1.05,1.15,1e6\n20050809,1.25,2,1,1.75,400\n");
