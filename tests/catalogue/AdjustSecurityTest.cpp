@@ -55,6 +55,9 @@ TEST_F(Catalogue, TheWalkStartsAtLastFolderAndListsOnlyWhenTheFolderChanges) {
     // Up to the parent by Enter on its entry, down into the folder without a store by a double click.
     const auto entry = [&](const QString& text) { return folders->findItems(text, Qt::MatchExactly | Qt::MatchRecursive).value(0); };
     folders->setCurrentItem(entry(QDir(temp.path()).dirName()));
+    QTest::keyClick(folders, Qt::Key_Right);
+    EXPECT_EQ(folders->path(), QDir(data).absolutePath()) << "only Enter goes into a folder";
+    folders->setCurrentItem(entry(QDir(temp.path()).dirName()));
     QTest::keyClick(folders, Qt::Key_Return);
     EXPECT_EQ(folders->path(), QDir(temp.path()).absolutePath());
     ASSERT_NE(entry("bare"), nullptr);

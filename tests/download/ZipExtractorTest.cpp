@@ -40,13 +40,15 @@ TEST_F(Unzipping, DefaultsExtractEverythingSilentlyAndOverwriteWithoutAsking) {
     ZipExtractor zip;
     writeTextFile(at("top.txt"), "old");
     const QString path = archive({ZipEntry::file("top.txt", "new top"), ZipEntry::dir("data/"),
-                                  ZipEntry::file("data/deep/x.dat", QByteArray(100000, 'x'))});
+                                  ZipEntry::file("data/deep/x.dat", QByteArray(100000, 'x')),
+                                  {"empty/", {}, 1600000000, S_IFREG | 0644}});   // a folder by its name alone
     EXPECT_EQ(zip.Unzip(path, target), 0);
     EXPECT_EQ(read("top.txt"), "new top");
     EXPECT_EQ(read("data/deep/x.dat"), QByteArray(100000, 'x'));
     EXPECT_EQ(QFileInfo(at("top.txt")).lastModified().toSecsSinceEpoch(), 1600000000);
     EXPECT_TRUE(platform.boxes.isEmpty());
-    EXPECT_EQ(tree(target), (QStringList{"data", "data/deep", "data/deep/x.dat", "top.txt"}));
+    EXPECT_EQ(tree(target), (QStringList{"data", "data/deep", "data/deep/x.dat", "empty", "top.txt"}));
+    EXPECT_TRUE(QFileInfo(at("empty")).isDir());
     // The names given before stand in for empty arguments.
     ZipExtractor stored;
     stored.setZipFileName(path);

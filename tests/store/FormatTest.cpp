@@ -124,7 +124,8 @@ TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
         writeFolder(folder.path(), [&](SecurityWriter& w) {
             for (int i = from; i <= to; ++i) {
                 w.CreateSecurity(sym(i), i % 50 == 0 ? longName + QString::number(i % 10) + QStringLiteral("XYZ") : sym(i), 1);
-                addBars(w, {{20050801, double(i), double(i), double(i), double(i), double(i)}, {20050802, i + 1.0, i + 1.0, i + 1.0, i + 1.0, i + 1.0}});
+                if (i != 257)   // S257 stays without records: its dates are XMASTER's "no date"
+                    addBars(w, {{20050801, double(i), double(i), double(i), double(i), double(i)}, {20050802, i + 1.0, i + 1.0, i + 1.0, i + 1.0, i + 1.0}});
                 w.CloseSecurity();
             }
         });
@@ -148,7 +149,7 @@ TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
     for (int i = 1; i <= 300; ++i) {
         const Listed& l = listed[size_t(i - 1)];
         const QString file = QStringLiteral("F%1.%2").arg(i).arg(i <= 255 ? QStringLiteral("DAT") : QStringLiteral("MWD"));
-        EXPECT_TRUE(l.symbol == sym(i) && l.file == file && l.first == 20050801 && l.last == 20050802) << i;
+        EXPECT_TRUE(l.symbol == sym(i) && l.file == file && (i == 257 ? l.first + l.last == 0 : l.first == 20050801 && l.last == 20050802)) << i;
         if (i % 50 == 0) {  // names are kept to 45 characters, in EMASTER as in XMASTER
             EXPECT_EQ(l.name, (longName + QString::number(i % 10) + QStringLiteral("XYZ")).left(45));
         }
