@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QScrollBar>
+#include <QTest>
 
 namespace {
 
@@ -86,10 +87,12 @@ TEST_F(DownloadRunScreen, UpToDateDownloadedNoDataAndNoConnection) {
 }
 
 TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
-    const struct { const char* what; QStringList symbols; bool closeBox; QString caption; } cases[] = {
-        {"Cancel during the first of three", {"A", "B", "C"}, false, "1 of 3 Completed. / "},
-        {"Cancel during the last item", {"D"}, false, "1 of 1 Completed. / "},
-        {"the close box during the first of two", {"E", "F"}, true, "1 of 2 Completed. / "},
+    enum How { CancelButton, CloseBox, Escape };
+    const struct { const char* what; QStringList symbols; How how; QString caption; } cases[] = {
+        {"Cancel during the first of three", {"A", "B", "C"}, CancelButton, "1 of 3 Completed. / "},
+        {"Cancel during the last item", {"D"}, CancelButton, "1 of 1 Completed. / "},
+        {"the close box during the first of two", {"E", "F"}, CloseBox, "1 of 2 Completed. / "},
+        {"Escape during the first of two", {"G", "H"}, Escape, "1 of 2 Completed. / "},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -106,8 +109,10 @@ TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
         onRequest = [&](const QString& symbol) {   // the user acts while the first security is in hand
             if (symbol != c.symbols[0])
                 return;
-            if (c.closeBox)
+            if (c.how == CloseBox)
                 EXPECT_FALSE(dlg.close());
+            else if (c.how == Escape)
+                QTest::keyClick(&dlg, Qt::Key_Escape);
             else
                 dlg.cancelButton->click();
         };
@@ -117,7 +122,7 @@ TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
         EXPECT_EQ(lines(dlg.resultsList), QStringList({"Download Complete : " + c.symbols[0]}));
         EXPECT_EQ(server.targets.size(), 1);
         EXPECT_EQ(dlg.windowTitle(), c.caption);
-        EXPECT_EQ(dlg.isVisible(), !c.closeBox);
+        EXPECT_EQ(dlg.isVisible(), c.how == CancelButton);
         EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
         EXPECT_EQ(storedBars(folder, c.symbols[0]).size(), 3);   // merged whole
         if (c.symbols.size() > 1) {

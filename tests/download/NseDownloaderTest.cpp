@@ -260,7 +260,6 @@ TEST_F(NseRun, EachRowGoesToItsOwnSecurity) {
 
     NseDownloaderDialog dlg;
     dlg.show();
-    expectControlsLaidOut(&dlg);
     dlg.folderEdit->setText(folder);
     dlg.beginDownloadButton->click();
 

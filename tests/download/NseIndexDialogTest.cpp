@@ -42,7 +42,6 @@ TEST_F(IndexScreen, TheFolderFieldAndItsSetting) {
     platform.settings[key] = "/remembered";
     NseIndexDialog dialog;
     dialog.show();
-    expectControlsLaidOut(&dialog);
     auto* edit = child<QLineEdit>(&dialog, "folderEdit");
     EXPECT_EQ(edit->text(), "/remembered");
     platform.chooseNext(folder);

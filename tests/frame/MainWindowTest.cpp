@@ -232,7 +232,6 @@ TEST(AboutDialog, ItsLinkLightsUpAndOpensTheMakersPage) {
     EXPECT_FALSE(child<QLabel>(&about, "iconLabel")->pixmap().isNull());
     about.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&about));
-    expectControlsLaidOut(&about);
     const QRect ok = child<QPushButton>(&about, "okButton")->geometry();   // under the texts, at the right
     EXPECT_TRUE(ok.top() > about.webLink->geometry().bottom() && ok.center().x() > about.width() / 2);
     const auto moveOver = [&about](QWidget* widget) {  // the colour of the link once the pointer moved over a widget
@@ -273,6 +272,7 @@ TEST(MainWindow, MenuEntriesAndToolbarOpenTheirScreens) {
             onNextModal([&](QWidget* dialog) {
                 seen = dialog->windowTitle();
                 EXPECT_LE((dialog->frameGeometry().center() - dialog->screen()->geometry().center()).manhattanLength(), 2) << c.entry;
+                expectControlsLaidOut(dialog);
                 if (auto* open = qobject_cast<OpenSecurityDialog*>(dialog))
                     chart = open->opensChart;
                 QTest::keyClick(dialog, Qt::Key_X);

@@ -71,6 +71,7 @@ TEST_F(DataSheet, LongSeriesEndsWithTheNewestRowSelectedAndInView) {
     const QRect last = view->recordsView->visualRect(view->rows()->index(399, 0));
     EXPECT_TRUE(view->recordsView->viewport()->rect().contains(last)) << "the newest row is out of view";
     EXPECT_EQ(view->lastDateEdit->text(), DateToText(series(400).back().date));
+    expectControlsLaidOut(view.get());
 }
 
 // A security without records shows its header; one that can't be read shows nothing. The window stays.

@@ -6,6 +6,7 @@
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QDirIterator>
+#include <QLabel>
 #include <QLineEdit>
 #include <QFile>
 #include <QFileInfo>
@@ -76,7 +77,7 @@ QByteArray readFileBytes(const QString& path) {
 void expectControlsLaidOut(QWidget* screen) {
     const auto isControl = [](QWidget* w) {
         return !w->objectName().isEmpty() && !w->objectName().startsWith(u"qt_") &&
-               (qobject_cast<QLineEdit*>(w) || qobject_cast<QAbstractButton*>(w) ||
+               (qobject_cast<QLineEdit*>(w) || qobject_cast<QAbstractButton*>(w) || qobject_cast<QLabel*>(w) ||
                 qobject_cast<QAbstractItemView*>(w) || qobject_cast<QComboBox*>(w));
     };
     // A control that no layout took in has no screen at all.

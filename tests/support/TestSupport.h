@@ -58,8 +58,8 @@ QByteArray readFileBytes(const QString& path);
 
 class QWidget;
 
-// Every control of a shown screen (a named field, button, list or drop-down) lies inside it, is
-// shown, and is clear of the others: a control left out of the layout fails this.
+// Every control of a shown screen (a named field, label, button, list or drop-down) lies inside it,
+// is shown, and is clear of the others: a control left out of the layout fails this.
 void expectControlsLaidOut(QWidget* screen);
 
 // The lock of a data folder held by another process, as a second run of the program would hold
