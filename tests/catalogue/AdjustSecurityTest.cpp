@@ -135,7 +135,7 @@ TEST_F(Catalogue, ChangeRenamesTheSecurityClickedLastAndDeleteTakesTheTypedSymbo
     dialog->symbolEdit->setText(" BFM ");
     dialog->changeButton->click();
     EXPECT_EQ(stored(data), (QStringList{"AAA Alpha Mining", "BFM Beta Farms", "CCC Gamma Rail"}));
-    EXPECT_EQ(datesOf(data, "BFM").size(), 5u) << "the records go with the security";
+    EXPECT_EQ(readDates(data, "BFM").size(), 5u) << "the records go with the security";
     EXPECT_TRUE(platform.boxes.isEmpty());
     dialog->changeButton->click();
     EXPECT_EQ(platform.boxes.size(), 1) << "BBB is gone";
@@ -180,13 +180,13 @@ TEST_F(Catalogue, DeleteDataDeletesFromTheFirstDateToTheDateInTheBox) {
 
         dialog->dateEdit->setText(c.chosen);
         dialog->deleteButton->click();
-        EXPECT_EQ(datesOf(data, "BBB"), (std::vector<qint32>{20040107, 20040108}));
+        EXPECT_EQ(readDates(data, "BBB"), (std::vector<qint32>{20040107, 20040108}));
         EXPECT_EQ(dialog->dateEdit->text(), c.chosen);
         clickEntry(dialog->securitiesList, "Alpha Mining");
         dialog->deleteButton->click();
-        EXPECT_TRUE(datesOf(data, "AAA").empty());
+        EXPECT_TRUE(readDates(data, "AAA").empty());
         EXPECT_EQ(stored(data), all) << "the securities stay";
-        EXPECT_EQ(datesOf(data, "CCC").size(), 2u);
+        EXPECT_EQ(readDates(data, "CCC").size(), 2u);
         EXPECT_TRUE(platform.boxes.isEmpty());
         for (const auto& finding : StoreCheck::checkFolder(data))   // other programs read the dates from the index
             EXPECT_FALSE(finding.text.contains("the index gives")) << finding.text.toStdString();
@@ -199,7 +199,7 @@ TEST_F(Catalogue, DeleteDataThatDeletesNothing) {
     auto dialog = shown<DeleteDataDialog>();
     dialog->folderList->setPath(data);
     clickEntry(dialog->securitiesList, "Beta Foods");
-    const std::vector<qint32> before = datesOf(data, "BBB");
+    const std::vector<qint32> before = readDates(data, "BBB");
     const struct { const char* date; bool after; const char* name; } cases[] = {
         {"31/12/2003", false, "Beta Foods"}, {"08/01/2004", true, "Beta Foods"}, {"next week", false, "Beta Foods"}, {"08/01/2004", false, ""}};
     for (const auto& c : cases) {
@@ -208,12 +208,12 @@ TEST_F(Catalogue, DeleteDataThatDeletesNothing) {
         (c.after ? dialog->deleteAfterOption : dialog->deleteBeforeOption)->click();
         dialog->nameEdit->setText(c.name);
         dialog->deleteButton->click();
-        EXPECT_EQ(datesOf(data, "BBB"), before);
+        EXPECT_EQ(readDates(data, "BBB"), before);
     }
     EXPECT_TRUE(platform.boxes.isEmpty());
     dialog->nameEdit->setText(" Beta Foods ");
     dialog->deleteButton->click();
-    EXPECT_TRUE(datesOf(data, "BBB").empty());
+    EXPECT_TRUE(readDates(data, "BBB").empty());
 }
 
 } // namespace

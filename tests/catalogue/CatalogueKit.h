@@ -5,6 +5,7 @@
 #include "sheet/SheetTestKit.h"
 
 #include "frame/CommonRoutines.h"
+#include "store/SecurityReader.h"
 #include "support/Modal.h"
 
 #include <QDir>

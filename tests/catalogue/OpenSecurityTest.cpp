@@ -221,7 +221,7 @@ TEST_F(OpenSecurity, ModalRunOnAFixtureFolder) {
         QTest::keyClick(open->securitiesList, Qt::Key_Return);
     });
     EXPECT_EQ(dialog.exec(), QDialog::Accepted);
-    const auto records = readBack(copy.path(), first.at(1));
+    const auto records = readBars(copy.path(), first.at(1));
     ASSERT_FALSE(records.empty());
     ASSERT_EQ(sheets(), QStringList{"DataSheet of " + first.at(0).trimmed() + ' ' + QString::number(records.size())});
     EXPECT_EQ(first.at(3), DateToText(records.back().date));

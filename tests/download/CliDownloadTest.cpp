@@ -28,8 +28,8 @@ TEST_F(CliDownload, OneLinePerSecurityMergedAsTheScreenMergesAndASummary) {
     EXPECT_EQ(last.out, (QStringList{"AAA.NS 2 records", "NODATA.NS No Data Available", "BBB.NS 1 records",
                                         "NEW.NS Up to date",
                                         "2 downloaded, 1 up to date, 1 without data, 0 failed"}));
-    EXPECT_EQ(storedBars(a, "AAA.NS"), (QList<StoredBar>{bar(20261110, 10), bar(20261111, 99), bar(20261112, 12)}));
-    EXPECT_EQ(storedBars(b, "BBB.NS"), (QList<StoredBar>{bar(20261120, 20), bar(20261121, 21)}));
+    EXPECT_EQ(readBars(a, "AAA.NS"), (std::vector<Bar>{bar(20261110, 10), bar(20261111, 99), bar(20261112, 12)}));
+    EXPECT_EQ(readBars(b, "BBB.NS"), (std::vector<Bar>{bar(20261120, 20), bar(20261121, 21)}));
 
     // --source for one run stands in for the setting, which holds again afterwards.
     platform_.settings["Sources/Quotes"] = "http://127.0.0.1:" + QString::number(LoopbackHttpServer::deadPort());
@@ -64,7 +64,7 @@ TEST_F(CliDownload, UsageFailuresAndAStopAfterTheSecurityInHand) {
     EXPECT_EQ(run({"download", "quotes", a}), 130);
     EXPECT_EQ(last.out.first(), "AAA.NS 1 records");
     EXPECT_TRUE(last.err.contains("Stopped after the security in hand")) << last.err.toStdString();
-    EXPECT_EQ(storedBars(a, "BBB.NS"), (QList<StoredBar>{bar(20261110, 20)}));
+    EXPECT_EQ(readBars(a, "BBB.NS"), (std::vector<Bar>{bar(20261110, 20)}));
     EXPECT_TRUE(StoreCheck::checkFolder(a).empty());
 }
 
@@ -81,7 +81,7 @@ TEST_F(CliDownload, AFolderAnotherRunIsWritingIsRefusedAndNothingIsAsked) {
         EXPECT_TRUE(last.err.contains("is being written by brindlemark-cli (process 4242)")) << last.err.toStdString();
     }
     EXPECT_TRUE(server.targets.isEmpty());
-    EXPECT_EQ(storedBars(a, "AAA.NS"), (QList<StoredBar>{bar(20261110, 10)}));
+    EXPECT_EQ(readBars(a, "AAA.NS"), (std::vector<Bar>{bar(20261110, 10)}));
 }
 
 } // namespace

@@ -36,7 +36,7 @@ TEST_F(DownloadRunScreen, TheListFollowsItsNewestLine) {
 }
 
 TEST_F(DownloadRunScreen, UpToDateDownloadedNoDataAndNoConnection) {
-    const QList<StoredBar> october = {bar(20261001, 20)}, upd = {bar(20261120, 5), bar(20261122, 6)};
+    const std::vector<Bar> october = {bar(20261001, 20)}, upd = {bar(20261120, 5), bar(20261122, 6)};
     makeSecurity(folder, "UPD", "Up to date", upd);
     makeSecurity(folder, "DL", "Downloaded", {bar(20261001, 10), bar(20261002, 11), bar(20261005, 12)});
     for (const char* symbol : {"EMPTY", "DROP", "NOD"})
@@ -52,7 +52,7 @@ TEST_F(DownloadRunScreen, UpToDateDownloadedNoDataAndNoConnection) {
     addItem("EMPTY", {2026, 10, 1});
     addItem("DROP", {2026, 10, 1});
     addItem(" NOD ", {2026, 10, 1}, folder + "  ");
-    const QList<StoredBar> dl = {bar(20261001, 10), bar(20261002, 29.25, 7000), bar(20261005, 12),
+    const std::vector<Bar> dl = {bar(20261001, 10), bar(20261002, 29.25, 7000), bar(20261005, 12),
                                  bar(20261006, 30.5), bar(20261007, 31)};
 
     DownloadProgressWindow dlg;
@@ -76,10 +76,10 @@ TEST_F(DownloadRunScreen, UpToDateDownloadedNoDataAndNoConnection) {
     expectBox(platform_.boxes[0], "Download Completed.", "Brindlemark v6");
 
     // The reply wins on 2 October, the older dates stay, the new ones come in.
-    EXPECT_EQ(storedBars(folder, "DL"), dl);
-    EXPECT_EQ(storedBars(folder, "UPD"), upd);
+    EXPECT_EQ(readBars(folder, "DL"), dl);
+    EXPECT_EQ(readBars(folder, "UPD"), upd);
     for (const char* symbol : {"EMPTY", "DROP", "NOD"})
-        EXPECT_EQ(storedBars(folder, symbol), october) << symbol;
+        EXPECT_EQ(readBars(folder, symbol), october) << symbol;
 
     EXPECT_EQ(dlg.cancelButton->text(), "&Close");
     dlg.cancelButton->click();
@@ -124,9 +124,9 @@ TEST_F(DownloadRunScreen, StoppingTakesEffectAfterTheSecurityInHand) {
         EXPECT_EQ(dlg.windowTitle(), c.caption);
         EXPECT_EQ(dlg.isVisible(), c.how == CancelButton);
         EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
-        EXPECT_EQ(storedBars(folder, c.symbols[0]).size(), 3);   // merged whole
+        EXPECT_EQ(readBars(folder, c.symbols[0]).size(), 3);   // merged whole
         if (c.symbols.size() > 1) {
-            EXPECT_EQ(storedBars(folder, c.symbols[1]).size(), 1);
+            EXPECT_EQ(readBars(folder, c.symbols[1]).size(), 1);
         }
     }
 }
@@ -142,7 +142,7 @@ TEST_F(DownloadRunScreen, AFolderAnotherProgramWritesEndsTheRunWithItsBox) {
     ASSERT_EQ(platform_.boxes.size(), 1);
     EXPECT_TRUE(platform_.boxes[0].text.contains("brindlemark-cli (process 4242)")) << platform_.boxes[0].text.toStdString();
     EXPECT_EQ(platform_.boxes[0].icon, MsgIcon::Critical);
-    EXPECT_EQ(storedBars(folder, "A").size(), 1);
+    EXPECT_EQ(readBars(folder, "A").size(), 1);
 }
 
 // An item whose NextDate is no date ("N/A" in the list) ends the run at once while nothing has

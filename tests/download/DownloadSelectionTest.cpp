@@ -171,7 +171,7 @@ class DownloaderHandOver : public Downloader, public ::testing::WithParamInterfa
 
 TEST_P(DownloaderHandOver, ItemsCarryDatesTheRunReadsBack) {
     LocaleGuard locale(QString::fromLatin1(GetParam()));
-    const StoredBar wholeNumbers{20261021, 12, 13, 11, 12, 900};   // read under a decimal comma too
+    const Bar wholeNumbers{20261021, 12, 13, 11, 12, 900};   // read under a decimal comma too
     replies["ADANIPORTS.NS"] = replies["CCC"] = LoopbackReply::ok(Header + line(wholeNumbers));
     makeFolders();
     writeTextFile(foldersFile(), (two + "\r\n" + one + "\r\n").toUtf8());
@@ -204,7 +204,7 @@ TEST_P(DownloaderHandOver, ItemsCarryDatesTheRunReadsBack) {
     EXPECT_EQ(progressLines, QStringList({"Upto Date : AAA", "Download Complete : ADANIPORTS.NS", "Download Complete : CCC"}));
     EXPECT_EQ(server.decodedTargets(), QStringList({"/table.csv?s=ADANIPORTS.NS&d=10&e=23&f=2026&g=d&a=8&b=15&c=2026&ignore=.csv",
                                                     "/table.csv?s=CCC&d=10&e=23&f=2026&g=d&a=11&b=1&c=2025&ignore=.csv"}));
-    EXPECT_EQ(storedBars(one, "ADANIPORTS.NS").last(), wholeNumbers);
+    EXPECT_EQ(readBars(one, "ADANIPORTS.NS").back(), wholeNumbers);
     EXPECT_EQ(readFileBytes(foldersFile()), (two + "\r\n" + one + "\r\n").toUtf8());   // saved on the way out
 }
 

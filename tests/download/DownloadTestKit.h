@@ -14,6 +14,7 @@
 #include "support/LoopbackHttpServer.h"
 #include "support/Modal.h"
 #include "support/ScriptedPlatform.h"
+#include "support/StoreKit.h"
 #include "support/TestSupport.h"
 
 #include <QApplication>
@@ -29,55 +30,17 @@
 
 inline const QByteArray Header = "Date,Open,High,Low,Close,Volume,Adj Close\n";
 
-struct StoredBar {
-    qint32 date;
-    double open, high, low, close, volume;
-    bool operator==(const StoredBar&) const = default;
-};
-inline void PrintTo(const StoredBar& b, std::ostream* os) {
-    *os << '{' << b.date << ' ' << b.open << ' ' << b.high << ' ' << b.low << ' ' << b.close << ' ' << b.volume << '}';
-}
-inline void PrintTo(const QString& text, std::ostream* os) { *os << '"' << text.toStdString() << '"'; }
-
 // A bar whose prices all derive from one number.
-inline StoredBar bar(qint32 date, double price, double volume = 1000) {
+inline Bar bar(qint32 date, double price, double volume = 1000) {
     return {date, price, price + 1, price - 1, price + 0.5, volume};
 }
 // The bar as a line of the service's reply, its date in ISO form.
-inline QByteArray line(const StoredBar& b) {
+inline QByteArray line(const Bar& b) {
     const QString iso = QDate::fromString(QString::number(b.date), "yyyyMMdd").toString(Qt::ISODate);
     QByteArray text = iso.toLatin1();
     for (double value : {b.open, b.high, b.low, b.close, b.volume, b.close})
         text += ',' + QByteArray::number(value);
     return text + '\n';
-}
-
-// A security with these records, written through the store; and its records read back.
-inline void makeSecurity(const QString& folder, const QString& symbol, const QString& name,
-                         const QList<StoredBar>& bars) {
-    SecurityWriter writer;
-    writer.OpenFolder(folder);
-    writer.CreateSecurity(symbol, name, 1);
-    for (const StoredBar& b : bars)
-        writer.AddQuote(b.date, 0, b.open, b.high, b.low, b.close, b.volume, 0.0);
-    writer.SaveQuotes();
-    writer.CloseSecurity();
-    writer.CloseFolder();
-}
-
-inline QList<StoredBar> storedBars(const QString& folder, const QString& symbol) {
-    SecurityReader reader;
-    reader.OpenFolder(folder);
-    reader.OpenSecurity(symbol);
-    QList<StoredBar> bars;
-    while (reader.GetRecordsRemaining() >= 1) {
-        reader.NextRecord();
-        bars.append({reader.GetDate(), reader.GetOpen(), reader.GetHigh(), reader.GetLow(),
-                     reader.GetClose(), reader.GetVolume()});
-    }
-    reader.CloseSecurity();
-    reader.CloseFolder();
-    return bars;
 }
 
 // A reply kept beside the repository; empty when it is not there.

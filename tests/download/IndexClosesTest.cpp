@@ -131,11 +131,11 @@ TEST_F(IndexWalk, BuildsAFolderFromNothingThenBringsItUpToDateADayLater) {
                                                                   {"NIFTYNEXT50", "Nifty Next 50"},
                                                                   {"NIFTYBANK", "Nifty Bank"},
                                                                   {"NIFTY10YRBENC2", "Nifty 10 yr Benchmark G-Sec"}}));
-    EXPECT_EQ(storedBars(folder, "NIFTY50"),
-              (QList<StoredBar>{{20241101, kept(24205.35), kept(24368.25), kept(24181.80), kept(24304.35), 1000},
+    EXPECT_EQ(readBars(folder, "NIFTY50"),
+              (std::vector<Bar>{{20241101, kept(24205.35), kept(24368.25), kept(24181.80), kept(24304.35), 1000},
                                 {20241104, kept(24315.75), kept(24316.75), kept(23816.15), kept(23995.35), kept(353012345)}}));
-    EXPECT_EQ(storedBars(folder, "INDIAVIX"),
-              (QList<StoredBar>{{20241101, kept(16.20), kept(16.20), kept(16.20), kept(16.20), 0},
+    EXPECT_EQ(readBars(folder, "INDIAVIX"),
+              (std::vector<Bar>{{20241101, kept(16.20), kept(16.20), kept(16.20), kept(16.20), 0},
                                 {20241104, kept(16.20), kept(17.39), kept(15.89), kept(16.87), 0}}));
 
     // A day later: one request, for the day after the folder's last date. The exchange writes a
@@ -148,8 +148,8 @@ TEST_F(IndexWalk, BuildsAFolderFromNothingThenBringsItUpToDateADayLater) {
     EXPECT_EQ(run(), 1);
     EXPECT_EQ(server.targets, QList<QByteArray>{"/content/indices/ind_close_all_05112024.csv"});
     EXPECT_EQ(updated, QStringList{"05.11.2024 Updated: 3 indices."});
-    EXPECT_EQ(storedBars(folder, "NIFTY50").size(), 3);
-    EXPECT_EQ(storedBars(folder, "NIFTY50").last(), (StoredBar{20241105, 1, 2, 0.5, 1.5, 10}));
+    EXPECT_EQ(readBars(folder, "NIFTY50").size(), 3);
+    EXPECT_EQ(readBars(folder, "NIFTY50").back(), (Bar{20241105, 1, 2, 0.5, 1.5, 10}));
     const auto after = securities(folder);
     ASSERT_EQ(after.size(), 8);
     EXPECT_EQ(after[6], (QPair<QString, QString>{"NIFTYMIDCAP150", "Nifty Midcap 150"}));
@@ -167,7 +167,7 @@ TEST_F(IndexWalk, BuildsAFolderFromNothingThenBringsItUpToDateADayLater) {
     EXPECT_EQ(server.targets.size(), 1);
     serveDay(QDate(2024, 11, 6), Head + "Nifty 50,06-11-2024,1,2,0.5,1.5,0,0,10,0,0,0,0\n");
     EXPECT_EQ(run(), 2);
-    EXPECT_EQ(storedBars(folder, "NIFTY50").size(), 5);
+    EXPECT_EQ(readBars(folder, "NIFTY50").size(), 5);
 }
 
 TEST_F(IndexWalk, TheCommandLineBringsTheFolderUpToDate) {
@@ -183,9 +183,9 @@ TEST_F(IndexWalk, TheCommandLineBringsTheFolderUpToDate) {
     EXPECT_EQ(r.out, (QStringList{"04/11/2024 Updated: 2 indices.", "1 days with data"}));
     EXPECT_EQ(server.targets.first(), "/content/indices/ind_close_all_02112024.csv");
     EXPECT_EQ(server.targets.size(), 4);
-    EXPECT_EQ(storedBars(folder, "N50"), (QList<StoredBar>{bar(20241101, 100), {20241104, 1, 2, 0.5, 1.5, 10}}));
-    EXPECT_EQ(storedBars(folder, "INDIAVIX2"), (QList<StoredBar>{{20241104, 3, 4, 2, 3.5, 0}}));
-    EXPECT_EQ(storedBars(folder, "INDIAVIX").size(), 1);
+    EXPECT_EQ(readBars(folder, "N50"), (std::vector<Bar>{bar(20241101, 100), {20241104, 1, 2, 0.5, 1.5, 10}}));
+    EXPECT_EQ(readBars(folder, "INDIAVIX2"), (std::vector<Bar>{{20241104, 3, 4, 2, 3.5, 0}}));
+    EXPECT_EQ(readBars(folder, "INDIAVIX").size(), 1);
 }
 
 } // namespace

@@ -19,7 +19,7 @@ namespace {
 const QByteArray BhavHeader = "SYMBOL,SERIES,OPEN,HIGH,LOW,CLOSE,LAST,PREVCLOSE,TOTTRDQTY,TOTTRDVAL,TIMESTAMP,\n";
 
 // A line of the archive's daily file: eleven columns, each followed by a comma.
-QByteArray bhavRow(const QByteArray& symbol, const StoredBar& b) {
+QByteArray bhavRow(const QByteArray& symbol, const Bar& b) {
     const auto n = [](double v) { return QByteArray::number(v); };
     return symbol + ",EQ," + n(b.open) + ',' + n(b.high) + ',' + n(b.low) + ',' + n(b.close) + ",0,0,"
            + n(b.volume) + ",0,01-JAN-2000,\n";
@@ -46,7 +46,7 @@ QStringList paths(const QDate& first, const QDate& last) {
 }
 
 // Whole-number prices read alike under every locale.
-StoredBar whole(qint32 date, double price, double volume) { return {date, price, price + 2, price - 1, price + 1, volume}; }
+Bar whole(qint32 date, double price, double volume) { return {date, price, price + 2, price - 1, price + 1, volume}; }
 
 QString updated(const QDate& d) { return Regional::dateText(d) + " Updated."; }
 
@@ -95,9 +95,9 @@ TEST_F(NseRun, WalksEveryDayToTodayAndTheNextRunGoesOnFromTheLastDayWithData) {
         EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
         expectIdle(dlg);
 
-        EXPECT_EQ(storedBars(folder, "ABC"),
-                  QList<StoredBar>({whole(20261002, 10, 1500), whole(20261005, 11, 1600), whole(20261027, 12, 1700)}));
-        EXPECT_EQ(storedBars(folder, "XYZ"), QList<StoredBar>({whole(20261002, 20, 700), whole(20261012, 21, 800)}));
+        EXPECT_EQ(readBars(folder, "ABC"),
+                  std::vector<Bar>({whole(20261002, 10, 1500), whole(20261005, 11, 1600), whole(20261027, 12, 1700)}));
+        EXPECT_EQ(readBars(folder, "XYZ"), std::vector<Bar>({whole(20261002, 20, 700), whole(20261012, 21, 800)}));
         // The last day with data, not today: the empty days after it are asked for again.
         EXPECT_EQ(valuesFile(), valuesText({2026, 10, 27}));
 
@@ -108,7 +108,7 @@ TEST_F(NseRun, WalksEveryDayToTodayAndTheNextRunGoesOnFromTheLastDayWithData) {
         dlg.beginDownloadButton->click();
         EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 28}, {2026, 11, 3}));
         EXPECT_EQ(lines(dlg.daysList), QStringList({updated({2026, 11, 2})}));
-        EXPECT_EQ(storedBars(folder, "XYZ").size(), 3);
+        EXPECT_EQ(readBars(folder, "XYZ").size(), 3);
         EXPECT_EQ(valuesFile(), valuesText({2026, 11, 2}));
     }
 }
@@ -147,7 +147,7 @@ TEST_F(NseRun, StopAndCloseEndTheRunBetweenDays) {
         if (closing) {
             EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 1}, {2026, 10, 3}));
             EXPECT_EQ(valuesFile(), valuesText({2026, 10, 2}));
-            EXPECT_EQ(storedBars(folder, "ABC"), QList<StoredBar>({bar(20261001, 1), bar(20261002, 2)}));
+            EXPECT_EQ(readBars(folder, "ABC"), std::vector<Bar>({bar(20261001, 1), bar(20261002, 2)}));
             continue;
         }
         EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 3}, {2026, 10, 5}));
@@ -237,8 +237,8 @@ TEST_F(NseRun, WhatCountsAsADayWithDataAndAsAWrittenRow) {
 
         EXPECT_EQ(lines(dlg.daysList), c.listed ? QStringList({updated({2026, 10, 5})}) : QStringList());
         EXPECT_EQ(valuesFile(), c.rewritten ? valuesText({2026, 10, 5}) : before);
-        EXPECT_EQ(storedBars(folder, "ABC").size(), c.abcRecords);
-        EXPECT_TRUE(storedBars(folder, "W1").isEmpty());
+        EXPECT_EQ(readBars(folder, "ABC").size(), c.abcRecords);
+        EXPECT_TRUE(readBars(folder, "W1").empty());
         // A run creates no security.
         SecurityReader reader;
         reader.OpenFolder(folder);
@@ -263,11 +263,11 @@ TEST_F(NseRun, EachRowGoesToItsOwnSecurity) {
     dlg.folderEdit->setText(folder);
     dlg.beginDownloadButton->click();
 
-    EXPECT_EQ(storedBars(folder, "ABC"), QList<StoredBar>({{20261005, 10.25, 11.5, 9.75, 10.5, 1234}}));
-    EXPECT_EQ(storedBars(folder, "DUP"), QList<StoredBar>({bar(20261005, 4)}));
-    EXPECT_EQ(storedBars(folder, "AFTER"), QList<StoredBar>({bar(20261005, 3)}));
-    EXPECT_TRUE(storedBars(folder, "BAD").isEmpty());
-    EXPECT_TRUE(storedBars(folder, "SHORT").isEmpty());
+    EXPECT_EQ(readBars(folder, "ABC"), std::vector<Bar>({{20261005, 10.25, 11.5, 9.75, 10.5, 1234}}));
+    EXPECT_EQ(readBars(folder, "DUP"), std::vector<Bar>({bar(20261005, 4)}));
+    EXPECT_EQ(readBars(folder, "AFTER"), std::vector<Bar>({bar(20261005, 3)}));
+    EXPECT_TRUE(readBars(folder, "BAD").empty());
+    EXPECT_TRUE(readBars(folder, "SHORT").empty());
     EXPECT_EQ(valuesFile(), valuesText({2026, 10, 5}));
 }
 
@@ -310,7 +310,7 @@ TEST_F(NseRun, CommandLineWalksBetweenTheDaysGivenAndKeepsValuesAsTheScreenDoes)
     EXPECT_EQ(r.out, (QStringList{updated({2026, 11, 3}), "1 days with data"}));
     EXPECT_EQ(server.targets.size(), 2);
     EXPECT_EQ(valuesFile(), valuesText({2026, 11, 3}));
-    EXPECT_EQ(storedBars(folder, "ABC"), (QList<StoredBar>{whole(20261103, 10, 1500)}));
+    EXPECT_EQ(readBars(folder, "ABC"), (std::vector<Bar>{whole(20261103, 10, 1500)}));
 
     r = cli({"download", "bhavcopy", folder, "--from", "20261105", "--to", "20261105"});
     ASSERT_EQ(r.status, 0);

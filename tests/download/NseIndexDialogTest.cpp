@@ -176,7 +176,7 @@ TEST_F(IndexScreenToday, ShowsTheDayInHandAndStopsOnceItIsWritten) {
     auto* button = child<QPushButton>(&dialog, "startDownloadButton");
     EXPECT_EQ(std::pair(button->isEnabled(), button->text()), std::pair(true, QString("Start Download")));
     EXPECT_FALSE(child<QPushButton>(&dialog, "stopButton")->isVisible());
-    EXPECT_EQ(storedBars(folder, "NIFTY50").last(), (StoredBar{20241104, 4, 4, 4, 4, 0}));
+    EXPECT_EQ(readBars(folder, "NIFTY50").back(), (Bar{20241104, 4, 4, 4, 4, 0}));
 
     // Again: on from 5 November to today, then "Download Complete." and the screen closes.
     during = nullptr;
@@ -187,7 +187,7 @@ TEST_F(IndexScreenToday, ShowsTheDayInHandAndStopsOnceItIsWritten) {
     EXPECT_EQ(platform.boxTexts(), QStringList{"Download Complete."});
     EXPECT_FALSE(dialog.isVisible());
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
-    EXPECT_EQ(storedBars(folder, "NIFTY50").size(), 4);
+    EXPECT_EQ(readBars(folder, "NIFTY50").size(), 4);
 }
 
 TEST_F(IndexScreenToday, ClosedDuringARunItGoesOnceTheDayInHandIsWritten) {
@@ -201,7 +201,7 @@ TEST_F(IndexScreenToday, ClosedDuringARunItGoesOnceTheDayInHandIsWritten) {
         EXPECT_EQ(server.targets, QList<QByteArray>{"/content/indices/ind_close_all_02112024.csv"});
         EXPECT_FALSE(dialog.isVisible());
         EXPECT_TRUE(platform.boxes.isEmpty());
-        EXPECT_EQ(storedBars(folder, "NIFTY50").last().date, 20241101);
+        EXPECT_EQ(readBars(folder, "NIFTY50").back().date, 20241101);
     }
 }
 

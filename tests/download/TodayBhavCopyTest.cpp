@@ -107,10 +107,10 @@ TEST_F(TodayNseRun, WalksBothFormsAndStoresTheExchangesPrices) {
     EXPECT_EQ(server.requestHeader(0, "Referer"), "https://www.nseindia.com/");
     EXPECT_EQ(lines(dlg.daysList), QStringList({Regional::dateText({2024, 7, 5}) + " Updated.",
                                                 Regional::dateText({2024, 7, 8}) + " Updated."}));
-    EXPECT_EQ(storedBars(folder, "M&M"), QList<StoredBar>({{20240705, 2850, 2875, 2831.25, 2866.25, 1234567}}));
-    EXPECT_EQ(storedBars(folder, "ABC"), QList<StoredBar>({{20240708, 1210.75, 1240, 1200.25, 1234.5, 1500}}));
-    EXPECT_EQ(storedBars(folder, "XYZ"), QList<StoredBar>({{20240708, 19.5, 21, 19, 20.5, 700}}));
-    EXPECT_TRUE(storedBars(folder, "BAD").isEmpty());
+    EXPECT_EQ(readBars(folder, "M&M"), std::vector<Bar>({{20240705, 2850, 2875, 2831.25, 2866.25, 1234567}}));
+    EXPECT_EQ(readBars(folder, "ABC"), std::vector<Bar>({{20240708, 1210.75, 1240, 1200.25, 1234.5, 1500}}));
+    EXPECT_EQ(readBars(folder, "XYZ"), std::vector<Bar>({{20240708, 19.5, 21, 19, 20.5, 700}}));
+    EXPECT_TRUE(readBars(folder, "BAD").empty());
     EXPECT_EQ(readFileBytes(CreateSymbols::ValuesFilePath(folder)), (Regional::dateText({2024, 7, 8}) + "\r\n").toUtf8());
 }
 
@@ -128,13 +128,13 @@ TEST_F(TodayNseRun, ADayNotFetchedIsAskedForAgain) {
     EXPECT_EQ(platform_.boxTexts().value(0).toStdString(),
               "The exchange answered 503 for the bhav copy of " + Regional::dateText({2024, 11, 4}).toStdString() +
                   ".\nThe next download starts from that day.");
-    EXPECT_TRUE(storedBars(folder, "ABC").isEmpty());
+    EXPECT_TRUE(readBars(folder, "ABC").empty());
 
     days["/content/cm/BhavCopy_NSE_CM_0_0_0_20241104_F_0000.csv.zip"] = LoopbackReply::ok(day);
     server.targets.clear();
     dlg.beginDownloadButton->click();
     EXPECT_EQ(server.targets.first(), "/content/cm/BhavCopy_NSE_CM_0_0_0_20241102_F_0000.csv.zip");
-    EXPECT_EQ(storedBars(folder, "ABC").size(), 2);
+    EXPECT_EQ(readBars(folder, "ABC").size(), 2);
 }
 
 } // namespace

@@ -249,7 +249,7 @@ TEST_F(ChartLoad, TwoChartsOfOneSecurityAreIndependent) {
 // edge, the axes black, filled bodies black inside, the white stroke through a hollow body, the
 // labels in black, and white where nothing is drawn.
 TEST_F(ChartLoad, ThePaintedPictureIsTheList) {
-    std::vector<Rec> records;
+    std::vector<Bar> records;
     for (int i = 0; i < 12; ++i) {
         const double open = i % 2 ? 103 : 107;
         records.push_back({Regional::toStoreDate(QDate(2004, 1, 5).addDays(i)), open, 110, 100, 210 - open, 1});

@@ -7,6 +7,7 @@
 #include "frame/CommonRoutines.h"
 #include "sheet/ui/DateBox.h"
 #include "sheet/ui/RecordDialog.h"
+#include "store/SecurityWriter.h"
 #include "support/Modal.h"
 
 #include <QAction>
@@ -110,7 +111,7 @@ TEST_F(DataSheet, CancelAfterTheFirstRecordLeavesOneRowAndNoSelectionAndStaysUsa
     platform.answerNextBox(MsgAnswer::Yes);
     view->deleteButton->click();
     EXPECT_EQ(view->rows()->rowCount(), 0);
-    EXPECT_EQ(readBack(temp.path(), "ABC").size(), 49u);
+    EXPECT_EQ(readBars(temp.path(), "ABC").size(), 49u);
 }
 
 // A day picked from the calendar with Enter or a click goes into the date box, and the keyboard
@@ -140,13 +141,13 @@ TEST_F(DataSheet, ACalendarPickFillsTheDateBoxAndGivesItTheKeyboard) {
 
 // ---- Record editing ------------------------------------------------------------------------
 
-const std::vector<Rec> Records = {{20050804, 10, 12, 9, 11, 1000}, {20050805, 11, 13, 10, 12, 2000}, {20050808, 12, 14, 11, 13, 3000}};
+const std::vector<Bar> Records = {{20050804, 10, 12, 9, 11, 1000}, {20050805, 11, 13, 10, 12, 2000}, {20050808, 12, 14, 11, 13, 3000}};
 
 class RecordEdit : public SheetFixture {
 protected:
     std::unique_ptr<DataSheetWindow> view;
     void SetUp() override { view = sheetOf(temp.path()); }
-    static std::unique_ptr<DataSheetWindow> sheetOf(const QString& folder, const std::vector<Rec>& records = Records) {
+    static std::unique_ptr<DataSheetWindow> sheetOf(const QString& folder, const std::vector<Bar>& records = Records) {
         makeSecurity(folder, "ABC", "Abc Ltd", records);
         return loadedSheet(folder, "ABC", "Abc Ltd");
     }
@@ -200,17 +201,17 @@ TEST_F(RecordEdit, InsertPutsANewDateIntoTheStoreAndReloadsTheSheet) {
     EXPECT_EQ(title, "Change Record") << "Insert too is titled so";
     EXPECT_TRUE(pickerEnabled);
     EXPECT_TRUE(platform.boxes.isEmpty()) << platform.boxTexts().join('|').toStdString();
-    EXPECT_EQ(readBack(temp.path(), "ABC"), (std::vector<Rec>{Records[0], Records[1], {20050806, 20.5, 21, 19.75, 20, 4500}, Records[2]}));
+    EXPECT_EQ(readBars(temp.path(), "ABC"), (std::vector<Bar>{Records[0], Records[1], {20050806, 20.5, 21, 19.75, 20, 4500}, Records[2]}));
     EXPECT_EQ(cells(*view, 2), (QStringList{"06/08/2005", "20.50", "21.00", "19.75", "20.00", "4500"}));
     EXPECT_EQ(view->selectedRow(), 3);
     EXPECT_EQ(progress.calls.first(), "Show") << "the load ran again with its progress window";
 
-    const auto before = readBack(temp.path(), "ABC");   // a date the security holds changes nothing
+    const auto before = readBars(temp.path(), "ABC");   // a date the security holds changes nothing
     whenDialogUp("05/08/2005", {"99", "99", "99", "99", "99"});
     view->insertButton->click();
     ASSERT_EQ(platform.boxes.size(), 1);
     expectBox(0, "Date Already Exist.", MsgIcon::Information);
-    EXPECT_EQ(readBack(temp.path(), "ABC"), before);
+    EXPECT_EQ(readBars(temp.path(), "ABC"), before);
     EXPECT_EQ(cells(*view, 1), (QStringList{"05/08/2005", "11.00", "13.00", "10.00", "12.00", "2000"}));
 }
 
@@ -232,7 +233,7 @@ TEST_F(RecordEdit, ATypedDateIsTheDateStored) {
         EXPECT_EQ(dateLeftAs, c.shownAs);
         EXPECT_EQ(tabbedTo, "openEdit");
         EXPECT_TRUE(platform.boxes.isEmpty()) << platform.boxTexts().join('|').toStdString();
-        const auto dates = datesOf(folder.path(), "ABC");
+        const auto dates = readDates(folder.path(), "ABC");
         EXPECT_NE(std::find(dates.begin(), dates.end(), c.stored), dates.end());
         EXPECT_EQ(dates.size(), 4u);
         platform.boxes.clear();
@@ -257,7 +258,7 @@ TEST_F(RecordEdit, ApplyRefusesNoDateAndIncompleteOrNonNumericFields) {
         ASSERT_EQ(platform.boxes.size(), 1);
         expectBox(0, c.message, MsgIcon::Information);
     }
-    EXPECT_EQ(readBack(temp.path(), "ABC"), Records);
+    EXPECT_EQ(readBars(temp.path(), "ABC"), Records);
     EXPECT_EQ(view->rows()->rowCount(), 3);
 }
 
@@ -275,7 +276,7 @@ TEST_F(RecordEdit, ChangeOfARowWritesPlainNumbersUntilTheNextLoad) {
     EXPECT_FALSE(pickerEnabled) << "a change can't move the record to another date";
     EXPECT_TRUE(platform.boxes.isEmpty());
     EXPECT_EQ(cells(*view, 1), (QStringList{"05/08/2005", "11", "13", "10", "99.5", "1500"}));
-    EXPECT_EQ(readBack(temp.path(), "ABC"), (std::vector<Rec>{Records[0], {20050805, 11, 13, 10, 99.5, 1500}, Records[2]}));
+    EXPECT_EQ(readBars(temp.path(), "ABC"), (std::vector<Bar>{Records[0], {20050805, 11, 13, 10, 99.5, 1500}, Records[2]}));
     view->load();
     EXPECT_EQ(cells(*view, 1), (QStringList{"05/08/2005", "11.00", "13.00", "10.00", "99.50", "1500"}));
 }
@@ -286,7 +287,7 @@ TEST_F(RecordEdit, DeleteAskedNoKeepsTheRecordAndYesKeepsLastDateUntilTheNextLoa
     expectBox(0, "Are you sure to delete date : 08/08/2005", MsgIcon::Question);
     EXPECT_EQ(platform.boxes[0].buttons, MsgButtons::YesNo);
     EXPECT_EQ(view->rows()->rowCount(), 3);
-    EXPECT_EQ(readBack(temp.path(), "ABC"), Records);
+    EXPECT_EQ(readBars(temp.path(), "ABC"), Records);
 
     platform.answerNextBox(MsgAnswer::Yes);
     view->deleteButton->click();
@@ -294,7 +295,7 @@ TEST_F(RecordEdit, DeleteAskedNoKeepsTheRecordAndYesKeepsLastDateUntilTheNextLoa
     expectBox(2, "Record Deleted.", MsgIcon::Information);
     EXPECT_EQ(view->recordsView->verticalHeader()->count(), 2) << "the row is gone from the screen";
     EXPECT_EQ(view->lastDateEdit->text(), "08/08/2005");
-    EXPECT_EQ(readBack(temp.path(), "ABC"), (std::vector<Rec>{Records[0], Records[1]}));
+    EXPECT_EQ(readBars(temp.path(), "ABC"), (std::vector<Bar>{Records[0], Records[1]}));
     view->load();
     EXPECT_EQ(view->lastDateEdit->text(), "05/08/2005");
 
@@ -324,13 +325,13 @@ TEST_F(RecordEdit, WritesThatFailShowTheStoresDescriptionOrEndSilently) {
     EXPECT_EQ(platform.boxes.size(), 3) << "only the question";
     EXPECT_EQ(view->rows()->rowCount(), 3);
     ASSERT_TRUE(QDir().rename(moved, temp.path()));
-    EXPECT_EQ(readBack(temp.path(), "ABC"), Records);
+    EXPECT_EQ(readBars(temp.path(), "ABC"), Records);
 }
 
 // Change and Delete reach the row's own record whatever digits, decimal sign and minus sign the
 // locale writes; a Change that leaves the boxes as they came takes back the values shown.
 TEST_F(RecordEdit, ChangeAndDeleteReachTheRowsOwnRecordInAnyLocale) {
-    const std::vector<Rec> records = {{19250102, -1.5, 2, -2.25, -1, 100}, {20250102, 10, 20, 5, 15, 1000}, {20300315, 1, 2, 0.5, 1.5, 5}};
+    const std::vector<Bar> records = {{19250102, -1.5, 2, -2.25, -1, 100}, {20250102, 10, 20, 5, 15, 1000}, {20300315, 1, 2, 0.5, 1.5, 5}};
     const struct { const char* locale; const char* open; double stored; } cases[] = {
         {"en_US", "11.25", 11.25}, {"de_DE", "11,25", 11.25}, {"ccp", "3", 3}, {"ff_Adlm", "3", 3}, {"ar_EG", "3", 3}, {"ar_SA", "3", 3}};
     for (const auto& c : cases) {
@@ -344,20 +345,20 @@ TEST_F(RecordEdit, ChangeAndDeleteReachTheRowsOwnRecordInAnyLocale) {
         whenDialogUp(QString(), {c.open, "4", "2", "3", "300"});
         sheet->changeButton->click();
         EXPECT_EQ(shown.at(0), sheet->rows()->cell(0, 0)) << "the row's date as the sheet shows it";
-        const Rec changed{19250102, c.stored, 4, 2, 3, 300};
-        EXPECT_EQ(readBack(folder.path(), "ABC"), (std::vector<Rec>{changed, records[1], records[2]}));
+        const Bar changed{19250102, c.stored, 4, 2, 3, 300};
+        EXPECT_EQ(readBars(folder.path(), "ABC"), (std::vector<Bar>{changed, records[1], records[2]}));
 
         sheet->recordsView->selectRow(1);
         whenDialogUp(QString(), {});
         sheet->changeButton->click();
         EXPECT_FALSE(stillUp) << platform.boxTexts().join('|').toStdString();
-        EXPECT_EQ(readBack(folder.path(), "ABC"), (std::vector<Rec>{changed, records[1], records[2]}));
+        EXPECT_EQ(readBars(folder.path(), "ABC"), (std::vector<Bar>{changed, records[1], records[2]}));
 
         sheet->recordsView->selectRow(2);   // deleted by the date text the sheet shows
         platform.answerNextBox(MsgAnswer::Yes);
         sheet->deleteButton->click();
         EXPECT_EQ(platform.boxes.last().text, "Record Deleted.");
-        EXPECT_EQ(readBack(folder.path(), "ABC"), (std::vector<Rec>{changed, records[1]}));
+        EXPECT_EQ(readBars(folder.path(), "ABC"), (std::vector<Bar>{changed, records[1]}));
     }
 }
 

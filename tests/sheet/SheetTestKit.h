@@ -6,10 +6,9 @@
 #include "sheet/SheetRows.h"
 #include "sheet/ui/DataSheetWindow.h"
 #include "store/ReadProgress.h"
-#include "store/SecurityReader.h"
-#include "store/SecurityWriter.h"
 #include "support/ProgressRecorder.h"
 #include "support/ScriptedPlatform.h"
+#include "support/StoreKit.h"
 #include "support/TestSupport.h"
 
 #include <QApplication>
@@ -21,61 +20,16 @@
 #include <memory>
 #include <vector>
 
-inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
-inline void PrintTo(const QStringList& texts, std::ostream* out) { *out << '{' << texts.join('|').toStdString() << '}'; }
-
 namespace sheettest {
 
-struct Rec {
-    qint32 date = 0;
-    double open = 0, high = 0, low = 0, close = 0, volume = 0;
-    bool operator==(const Rec&) const = default;
-};
-inline void PrintTo(const Rec& r, std::ostream* out) { *out << r.date << ' ' << r.open << '/' << r.high << '/' << r.low << '/' << r.close << " v" << r.volume; }
-
-// Adds a security with these records to `folder` (made a store when it is none yet).
-inline void makeSecurity(const QString& folder, const QString& symbol, const QString& name,
-                         const std::vector<Rec>& records, qint32 periodicity = 1) {
-    SecurityWriter writer;
-    writer.OpenFolder(folder);
-    writer.CreateSecurity(symbol, name, periodicity);
-    for (const Rec& r : records)
-        writer.AddQuote(r.date, 0, r.open, r.high, r.low, r.close, r.volume, 0.0);
-    writer.SaveQuotes();
-    writer.CloseSecurity();
-    writer.CloseFolder();
-}
-
 // `count` daily records on working days from 2 January 2004 on.
-inline std::vector<Rec> series(int count, QDate day = QDate(2004, 1, 2)) {
-    std::vector<Rec> records;
+inline std::vector<Bar> series(int count, QDate day = QDate(2004, 1, 2)) {
+    std::vector<Bar> records;
     for (int i = 0; i < count; ++i, day = day.addDays(day.dayOfWeek() == 5 ? 3 : 1)) {
         const double base = 100 + (i % 500) * 0.25;
         records.push_back({day.year() * 10000 + day.month() * 100 + day.day(), base, base + 2, base - 1, base + 0.5, 1000.0 + i});
     }
     return records;
-}
-
-// The records of a security as the store hands them out now.
-inline std::vector<Rec> readBack(const QString& folder, const QString& symbol) {
-    SecurityReader reader;
-    reader.OpenFolder(folder);
-    reader.OpenSecurity(symbol);
-    std::vector<Rec> records;
-    while (reader.GetRecordsRemaining() >= 1) {
-        reader.NextRecord();
-        records.push_back({reader.GetDate(), reader.GetOpen(), reader.GetHigh(), reader.GetLow(), reader.GetClose(), reader.GetVolume()});
-    }
-    reader.CloseSecurity();
-    reader.CloseFolder();
-    return records;
-}
-
-inline std::vector<qint32> datesOf(const QString& folder, const QString& symbol) {
-    std::vector<qint32> dates;
-    for (const Rec& r : readBack(folder, symbol))
-        dates.push_back(r.date);
-    return dates;
 }
 
 // What a full load of three records tells its progress window.

@@ -18,25 +18,6 @@ std::vector<Listed> listFolder(const QString& folder) {
     return out;
 }
 
-std::vector<Bar> readBars(const QString& folder, const QString& symbol) {
-    SecurityReader r;
-    r.OpenFolder(folder);
-    r.OpenSecurity(symbol);
-    std::vector<Bar> out;
-    while (r.GetRecordsRemaining() > 0) {
-        r.NextRecord();
-        out.push_back({r.GetDate(), r.GetOpen(), r.GetHigh(), r.GetLow(), r.GetClose(), r.GetVolume()});
-    }
-    return out;
-}
-
-std::vector<qint32> readDates(const QString& folder, const QString& symbol) {
-    std::vector<qint32> out;
-    for (const Bar& b : readBars(folder, symbol))
-        out.push_back(b.date);
-    return out;
-}
-
 void addBars(SecurityWriter& writer, const std::vector<Bar>& bars) {
     for (const Bar& b : bars)
         writer.AddQuote(b.date, 0, b.open, b.high, b.low, b.close, b.volume, 0.0);
@@ -75,7 +56,7 @@ void writeFolder(const QString& folder, const std::function<void(SecurityWriter&
 }
 
 void makeSecurity(const QString& folder, const QString& symbol, const std::vector<qint32>& dates, double base) {
-    writeFolder(folder, [&](SecurityWriter& w) { w.CreateSecurity(symbol, symbol, 1), addBars(w, barsOf(dates, base)); });
+    makeSecurity(folder, symbol, symbol, barsOf(dates, base));
 }
 
 std::map<QString, QByteArray> snapshot(const QString& folder) {

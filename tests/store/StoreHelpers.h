@@ -3,6 +3,7 @@
 
 #include "store/SecurityReader.h"
 #include "store/SecurityWriter.h"
+#include "support/StoreKit.h"
 
 #include <QString>
 
@@ -11,12 +12,6 @@
 #include <string>
 #include <vector>
 
-struct Bar {
-    qint32 date = 0;
-    double open = 0, high = 0, low = 0, close = 0, volume = 0;
-    bool operator==(const Bar&) const = default;
-};
-
 struct Listed {
     QString symbol, name, file;
     qint32 first = 0, last = 0;
@@ -24,9 +19,6 @@ struct Listed {
 
 // Every security of the folder in the store's order, as a list screen reads them.
 std::vector<Listed> listFolder(const QString& folder);
-// Every record of a security, as a sheet reads them.
-std::vector<Bar> readBars(const QString& folder, const QString& symbol);
-std::vector<qint32> readDates(const QString& folder, const QString& symbol);
 // Adds records with mark 0 and saves them.
 void addBars(SecurityWriter& writer, const std::vector<Bar>& bars);
 // A bar whose values derive from its date, so that any record can be told from any other.

@@ -4,9 +4,16 @@
 #include <QDir>
 #include <QLocale>
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <ostream>
+
+// Texts in the messages of failed checks.
+inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
+inline void PrintTo(const QStringList& texts, std::ostream* out) { *out << '{' << texts.join('|').toStdString() << '}'; }
 
 // Pins the locale for the lifetime of the object.
 class LocaleGuard {
