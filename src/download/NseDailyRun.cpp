@@ -81,7 +81,8 @@ void NseDailyRun::BeginDownload(const QString& folderText) {
         backToIdle();
         return;
     }
-    const auto start = FirstDay.isValid() ? std::optional<QDate>(FirstDay.addDays(-1)) : valuesDate(valuesText);
+    const std::optional<QDate> held = valuesDate(valuesText);
+    const auto start = FirstDay.isValid() ? std::optional<QDate>(FirstDay.addDays(-1)) : held;
     if (!start) {
         // Never walk from a date that isn't there.
         MsgBox(QStringLiteral("The date \"%1\" in values.dat can't be read. Nothing was downloaded.").arg(valuesText),
@@ -104,7 +105,9 @@ void NseDailyRun::BeginDownload(const QString& folderText) {
     listener_.walkStarted();
     walk(folder);
 
-    if (rowsWritten_ > 0) {
+    // A walk over days before the one values.dat names (a filling in from the command line) leaves
+    // it: the next run goes on from where the folder stands.
+    if (rowsWritten_ > 0 && !(held && lastUpdated_ <= *held)) {
         startDate_ = lastUpdated_;
         // A file that can't be written stays as it was; the run ends as ever.
         passOver([&] {

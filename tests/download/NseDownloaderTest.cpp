@@ -315,6 +315,9 @@ TEST_F(NseRun, CommandLineWalksBetweenTheDaysGivenAndKeepsValuesAsTheScreenDoes)
     r = cli({"download", "bhavcopy", folder, "--from", "20261105", "--to", "20261105"});
     ASSERT_EQ(r.status, 0);
     EXPECT_EQ(r.out, (QStringList{updated({2026, 11, 5}), "1 days with data"}));
+    // Filling in a day before the one values.dat names leaves it where the folder stands.
+    ASSERT_EQ(cli({"download", "bhavcopy", folder, "--from", "20261103", "--to", "20261103"}).status, 0);
+    EXPECT_EQ(valuesFile(), valuesText({2026, 11, 5}));
 
     EXPECT_EQ(cli({"download", "bhavcopy"}).status, 2);
     EXPECT_EQ(cli({"download", "bhavcopy", folder, "--from", "2026"}).status, 2);
