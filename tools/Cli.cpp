@@ -1,9 +1,9 @@
 #include "Cli.h"
 
 #include "DownloadCommands.h"
-#include "catalogue/CreateSymbols.h"
 #include "ExportCommand.h"
 
+#include "catalogue/CreateSymbols.h"
 #include "download/ServiceAddresses.h"
 #include "frame/Failure.h"
 #include "frame/Regional.h"

@@ -1,9 +1,10 @@
 #pragma once
-// The store's progress window for long reads: a bar, a line of text and a Cancel button. A step
-// serves the window system's events, so that a click on Cancel gets through while the caller is
-// in its loop; since a read steps once a record, far more often than the screen is redrawn, the
-// events are served once a frame of the screen has passed since the window was shown, and then at
-// most once a frame; the bar takes each new percent at once and is painted with the next frame. Releasing the object takes the window down.
+// The store's progress window for long reads: a bar, a line of text and a Cancel button (unless
+// the caller offers none). A step serves the window system's events, so that a click on Cancel
+// gets through while the caller is in its loop; since a read steps once a record, far more often
+// than the screen is redrawn, the events are served once a frame of the screen has passed since
+// the window was shown, and then at most once a frame; the bar takes each new percent at once and
+// is painted with the next frame. Releasing the object takes the window down.
 
 #include "store/ReadProgress.h"
 
