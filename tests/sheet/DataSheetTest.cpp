@@ -45,6 +45,7 @@ TEST_F(DataSheet, ShowsHeaderAndEveryRecordInTheLocalesForms) {
                      {{20050804, 1234.5, 1240, 1230.25, 1239.999, 1500}, {20050805, 0, 0.125, -0.00390625, 10, 0},
                       {20050808, 99.125, 100, 98, 99.5, 9876543}}, c.code);
         auto view = loadedSheet("  " + folder.path() + " ", " BHP  ", " BHP Billiton");
+        QTest::keyClicks(view->nameEdit, "x");   // the header boxes take no typing
 
         EXPECT_EQ((QStringList{view->folderEdit->text(), view->nameEdit->text(), view->symbolEdit->text(), view->firstDateEdit->text(),
                                view->lastDateEdit->text(), view->periodicityEdit->text()}),
@@ -125,9 +126,11 @@ TEST_F(DataSheet, ACalendarPickFillsTheDateBoxAndGivesItTheKeyboard) {
     QApplication::setActiveWindow(&window);
     for (const bool clicked : {false, true}) {
         other->setFocus();
+        box->setText("15/03/2025");
         box->calendarAction->trigger();
         auto* calendar = box->findChild<QCalendarWidget*>("calendar");
         ASSERT_TRUE(calendar && calendar->isVisible());
+        EXPECT_EQ(calendar->selectedDate(), QDate(2025, 3, 15)) << "it opens on the date in the box";
         calendar->setSelectedDate(QDate(2026, 11, 20));
         if (clicked)
             emit calendar->clicked(QDate(2026, 11, 21));

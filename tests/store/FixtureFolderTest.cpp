@@ -108,7 +108,7 @@ std::map<QString, QByteArray> changedCopy(const char* fixture, const TempFolder&
     return before;
 }
 
-TEST(FixtureFolders, WriteIntoAThirdPartySecurityLeavesItSortedWithOneRecordADate) {
+TEST(FixtureFolders, WritesIntoThirdPartySecuritiesKeepThemInOrderAndADeletedDayGoesWhole) {
     REQUIRE_FIXTURE("third-party");
     TempFolder temp;
     const QString ov = QStringLiteral("OV");
@@ -124,6 +124,15 @@ TEST(FixtureFolders, WriteIntoAThirdPartySecurityLeavesItSortedWithOneRecordADat
     // The other securities are untouched, and the folder is still MASTER only.
     EXPECT_EQ(readBars(temp.path(), QStringLiteral("AR")), readBars(metastockFixture(QStringLiteral("third-party")), QStringLiteral("AR")));
     EXPECT_FALSE(QFileInfo::exists(temp.file(QStringLiteral("EMASTER"))));
+    // A day of a security with times, deleted in a batch of its own, goes with all its records.
+    REQUIRE_FIXTURE("intraday");
+    TempFolder intraday;
+    changedCopy("intraday", intraday, [](SecurityWriter& w) {
+        w.OpenSecurity(QStringLiteral("2HR.DE"));
+        w.DeleteQuote(QStringLiteral("20131115"));
+        w.SaveQuotes();
+    });
+    EXPECT_TRUE(readBars(intraday.path(), QStringLiteral("2HR.DE")).empty());
 }
 
 TEST(FixtureFolders, WritingKeepsMixedCaseNamesPerFolderValuesAndUnknownFields) {

@@ -96,13 +96,13 @@ TEST(IndexBytes, TextIsWindows1252AndACutNameEndsInNul) {
     // The cut to 16 and to 45 characters falls after a blank.
     const QString cutAt16 = QStringLiteral("HINDUSTAN LEVER LTD"), cutAt45 = QStringLiteral("A NAME OF FORTY-FOUR CHARACTERS AND A BLANK, THEN MORE");
     writeFolder(folder.path(), [&](SecurityWriter& w) {
-        w.CreateSecurity(QStringLiteral("€UR"), QStringLiteral("Société Générale"), 1);
+        w.CreateSecurity(QStringLiteral("€UR"), QStringLiteral("Société\u00A0Générale"), 1);   // a no-break space
         w.CreateSecurity(QStringLiteral("HUL"), cutAt16, 1);
         w.CreateSecurity(QStringLiteral("LONG"), cutAt45, 1);
     });
     QByteArray master = readFileBytes(folder.file(QStringLiteral("MASTER")));
     EXPECT_EQ(master.mid(53 + 36, 4), QByteArray("\x80UR ", 4));
-    EXPECT_EQ(master.mid(53 + 7, 16), QByteArray("Soci\xE9t\xE9 G\xE9n\xE9rale"));
+    EXPECT_EQ(master.mid(53 + 7, 16), QByteArray("Soci\xE9t\xE9\xA0G\xE9n\xE9rale"));
     const QByteArray emaster = readFileBytes(folder.file(QStringLiteral("EMASTER")));
     EXPECT_EQ(emaster.mid(192 + 11, 4), QByteArray("\x80UR\0", 4));
     EXPECT_EQ(emaster.mid(2 * 192 + 32, 16), QByteArray("HINDUSTAN LEVER\0", 16));
@@ -110,7 +110,7 @@ TEST(IndexBytes, TextIsWindows1252AndACutNameEndsInNul) {
     EXPECT_EQ(emaster.mid(3 * 192 + 139, 45), cutAt45.left(44).toLatin1() + zeros(1));
     const auto listed = listFolder(folder.path());
     ASSERT_EQ(listed.size(), 3u);
-    EXPECT_EQ(listed[0].symbol + listed[0].name, QStringLiteral("€URSociété Générale"));
+    EXPECT_EQ(listed[0].symbol + listed[0].name, QStringLiteral("€URSociété\u00A0Générale"));
     EXPECT_EQ(listed[2].name, cutAt45.left(44));
     // Another program renamed HUL in MASTER only: EMASTER's long name lags behind and no longer counts.
     writeTextFile(folder.file(QStringLiteral("MASTER")), master.replace(2 * 53 + 7, 16, "UNILEVER INDIA  "));
