@@ -179,6 +179,9 @@ TEST_F(Catalogue, DeleteDataDeletesFromTheFirstDateToTheDateInTheBox) {
                   (QStringList{"Beta Foods", "BBB", c.proposed}));
 
         dialog->dateEdit->setText(c.chosen);
+        const auto held = readDates(data, "BBB");
+        QTest::keyClick(dialog->dateEdit, Qt::Key_Return);
+        EXPECT_EQ(readDates(data, "BBB"), held) << "Enter in the box deletes nothing";
         dialog->deleteButton->click();
         EXPECT_EQ(readDates(data, "BBB"), (std::vector<qint32>{20040107, 20040108}));
         EXPECT_EQ(dialog->dateEdit->text(), c.chosen);

@@ -74,6 +74,10 @@ TEST_F(CreateNewSymbols, RecreatingASymbolDropsItsRecordsWithoutAsking) {
     makeSecurity(temp.path(), "HOLD", "HOLD", series(5));
     makeSecurity(temp.path(), "KEEP", "KEEP", series(3));
     CreateSymbolsDialog dialog;
+    dialog.show();
+    dialog.folderEdit->setText(temp.path());
+    QTest::keyClick(dialog.fromDateEdit, Qt::Key_Return);   // Enter in a field creates nothing
+    EXPECT_TRUE(platform.boxes.isEmpty());
     create(dialog, temp.path(), {"HOLD", "SBIN", "SBIN"});
     EXPECT_EQ(platform.boxTexts(), QStringList{Success});
     EXPECT_EQ(stored(temp.path(), true), (QStringList{"HOLD HOLD 20040101..20040101 0 1", "KEEP KEEP 20040102..20040106 3 1",
