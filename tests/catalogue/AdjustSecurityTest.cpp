@@ -92,9 +92,12 @@ TEST_F(Catalogue, TheWalkStartsAtLastFolderAndListsOnlyWhenTheFolderChanges) {
     EXPECT_EQ(remove->securitiesList->count(), 0);
     remove->folderList->setPath(bare);
     EXPECT_FALSE(remove->deleteButton->isEnabled());
+    const QString one = temp.sub("one");
+    makeSecurity(one, "ONE", "One", {});
+    remove->folderList->setPath(one);
+    EXPECT_TRUE(remove->deleteButton->isEnabled()) << "one security is enough";
     remove->folderList->setPath(data);
     EXPECT_EQ(remove->securitiesList->count(), 3);
-    EXPECT_TRUE(remove->deleteButton->isEnabled());
 
     // Typed letters in a symbol box become capitals; pasted text and the name stay as they were.
     for (QLineEdit* box : {adjust->symbolEdit, remove->symbolEdit, adjust->nameEdit}) {
@@ -124,6 +127,9 @@ TEST_F(Catalogue, ChangeRenamesTheSecurityClickedLastAndDeleteTakesTheTypedSymbo
     QTest::keyClick(dialog->securitiesList, Qt::Key_Down);   // a key picks as a click does
     const auto boxes = [&] { return QStringList{dialog->nameEdit->text(), dialog->symbolEdit->text(), dialog->firstDateEdit->text()}; };
     EXPECT_EQ(boxes(), (QStringList{"Beta Foods", "BBB", "02/01/2004"}));
+    QTest::keyClick(dialog->securitiesList, Qt::Key_Up);
+    EXPECT_EQ(dialog->nameEdit->text(), "Alpha Mining") << "the first row picks too";
+    QTest::keyClick(dialog->securitiesList, Qt::Key_Down);
 
     dialog->nameEdit->setText("  Beta Farms ");
     dialog->changeButton->click();

@@ -143,6 +143,7 @@ TEST_F(DownloadRunScreen, AFolderAnotherProgramWritesEndsTheRunWithItsBox) {
     EXPECT_TRUE(platform_.boxes[0].text.contains("brindlemark-cli (process 4242)")) << platform_.boxes[0].text.toStdString();
     EXPECT_EQ(platform_.boxes[0].icon, MsgIcon::Critical);
     EXPECT_EQ(readBars(folder, "A").size(), 1);
+    EXPECT_TRUE(dlg.close()) << "the run is over: the window closes at once";
 }
 
 // An item whose NextDate is no date ("N/A" in the list) ends the run at once while nothing has

@@ -178,6 +178,8 @@ TEST_F(NseRun, RunsThatFetchNothing) {
         {"values.dat names today", "", QByteArray("09/10/2026,x\r\n"), "Download Completed.", MsgIcon::Information, true},
         {"no date in values.dat", "", QByteArray("soon\r\n"),
          "The date \"soon\" in values.dat can't be read. Nothing was downloaded.", MsgIcon::Warning, false},
+        {"another program writes the folder", "", QByteArray("01/10/2026\r\n"),
+         "The folder FOLDER is being written by brindlemark-cli (process 4242). Try again when it has finished.", MsgIcon::Warning, false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -185,6 +187,9 @@ TEST_F(NseRun, RunsThatFetchNothing) {
         folder = own.sub("nse");
         if (c.values)
             writeTextFile(CreateSymbols::ValuesFilePath(folder), *c.values);
+        std::optional<ForeignLockHolder> holder;
+        if (c.box.contains("FOLDER"))
+            holder.emplace(folder);
         platform_.boxes.clear();
         platform_.todayDate = today;
 
@@ -195,7 +200,7 @@ TEST_F(NseRun, RunsThatFetchNothing) {
 
         EXPECT_TRUE(server.targets.isEmpty());
         ASSERT_EQ(platform_.boxes.size(), 1);
-        EXPECT_EQ(platform_.boxes[0].text, c.box);
+        EXPECT_EQ(platform_.boxes[0].text, QString(c.box).replace("FOLDER", folder));
         EXPECT_EQ(platform_.boxes[0].icon, c.icon);
         EXPECT_EQ(platform_.boxes[0].title, "Brindlemark v6");
         EXPECT_EQ(lines(dlg.daysList), c.listCleared ? QStringList() : QStringList({"an earlier line"}));
