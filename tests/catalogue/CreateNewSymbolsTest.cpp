@@ -161,7 +161,7 @@ TEST_F(CreateNewSymbols, TheListTakesTypedAndPickedSymbols) {
     for (const char* typed : {"    ", "", "  ccc d ", " FIFTEEN.CHARS.X "})   // the store takes 14 characters
         typeSymbol(dialog, typed);
     EXPECT_EQ(lines(dialog.symbolsList), (QStringList{"AAA", "ccc d", "FIFTEEN.CHARS."}));
-    dialog.symbolsList->takeItem(2);
+    delete dialog.symbolsList->takeItem(2);
     EXPECT_EQ(lookUp(dialog, 2, "closeButton"), (QStringList{"AAA", "ccc d"}));   // never selected: nothing is added
     EXPECT_EQ(lookUp(dialog, 2), (QStringList{"AAA", "ccc d", "INFY.NS", "WIPRO.NS"}));   // line 0 was selected
     EXPECT_EQ(lookUp(dialog, 2, "closeButton"), (QStringList{"AAA", "ccc d", "INFY.NS", "WIPRO.NS", "INFY.NS", "WIPRO.NS"}));

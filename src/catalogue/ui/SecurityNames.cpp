@@ -27,9 +27,10 @@ namespace {
 // press or a new listing disarms it.
 class PickWatcher : public QObject {
 public:
-    PickWatcher(QListWidget* list, std::function<void()> picked) : QObject(list), list_(list), picked_(std::move(picked)) {
+    PickWatcher(QListWidget* list, std::function<void()> picked)
+        : QObject(list), list_(list), viewport_(list->viewport()), picked_(std::move(picked)) {
         list->installEventFilter(this);
-        list->viewport()->installEventFilter(this);
+        viewport_->installEventFilter(this);
         connect(list, &QListWidget::itemClicked, this, [this] { picked_(); });
         connect(list, &QListWidget::currentRowChanged, this, [this](int row) {
             if (keying_ && row >= 0)
@@ -42,13 +43,16 @@ public:
             keying_ = true;
         else if (watched == list_ && event->type() == QEvent::KeyRelease)
             keying_ = false;
-        else if (watched == list_->viewport() && event->type() == QEvent::MouseButtonPress)
+        else if (watched == viewport_ && event->type() == QEvent::MouseButtonPress)
             keying_ = false;
         return false;
     }
 
 private:
+    // Compared, never called: the viewport goes before this watcher when the list is destroyed,
+    // and its last events come while the list is half taken down.
     QListWidget* list_;
+    QObject* viewport_;
     std::function<void()> picked_;
     bool keying_ = false;
 };
