@@ -174,7 +174,7 @@ void DailyQuotes::fetchChart(const QString& address, const QString& Symbol, cons
         if (connection_.ResponseCode() != 429)
             break;
         if (attempt >= MaxTries || !pause(RetryPauseMs(connection_.ResponseHeader("Retry-After"), attempt))) {
-            Error = 3;
+            Error = TooManyRequests;
             return;
         }
     }

@@ -24,9 +24,11 @@ public:
     //   2  no usable data: an answer without a usable table, a row that did not convert,
     //      an unwritable trace file
     //   3  the transfer failed: no connection, refused, unknown host, time-out, a certificate
-    //      that did not check out; or today's service still refused with "Too Many Requests"
-    //      after the last try, or Cancel came while waiting to try again
+    //      that did not check out
+    //   4  today's service still answered "Too Many Requests" after the last try, or Cancel
+    //      came while waiting to try again
     qint16 Error = 0;
+    static constexpr qint16 TooManyRequests = 4;
 
     // The run's Cancel: while waiting to try again, the fetch gives up once this is set.
     const bool* CancelFlag = nullptr;

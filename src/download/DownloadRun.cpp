@@ -169,6 +169,10 @@ void DownloadRun::handleItem(int index, int count) {
             step([&] { listener_.lineAdded(QStringLiteral("No Data Available : ") + item.Symbol); });
             ++noDataCount;
             break;
+        case DailyQuotes::TooManyRequests:
+            // The service is there but refuses for now: the user tries again later, or slower.
+            step([&] { listener_.lineAdded(QStringLiteral("Too Many Requests : ") + item.Symbol); });
+            break;
         default:
             step([&] { listener_.lineAdded(QStringLiteral("No Internet Connection : ") + item.Symbol); });
             break;

@@ -113,7 +113,7 @@ TEST_F(TodaySource, TooManyRequestsIsTriedAgainAtMostThreeTimes) {
 
     server.targets.clear();
     refusals = 3;
-    EXPECT_EQ(fetch(), 3);
+    EXPECT_EQ(fetch(), DailyQuotes::TooManyRequests);
     EXPECT_EQ(server.targets.size(), 3);
     EXPECT_EQ(handOvers().Quotes.upperBound(), 0);
 }
@@ -197,7 +197,7 @@ struct QuietListener : DownloadListener {
 };
 
 // Cancel pressed while the run's fetch waits to try again: no further try, and the run stops
-// after that security with the line of a failed transfer.
+// after that security with the line of the refusal.
 TEST_F(TodaySource, TheRunsCancelReachesAFetchWaitingToTryAgain) {
     const QString folder = temp.sub("data");
     for (const char* symbol : {"A.NS", "B.NS"}) {
@@ -210,7 +210,7 @@ TEST_F(TodaySource, TheRunsCancelReachesAFetchWaitingToTryAgain) {
     listener.run = &run;
     run.RunDownload();
     EXPECT_EQ(server.targets.size(), 1);
-    EXPECT_EQ(listener.lines, QStringList({"No Internet Connection : A.NS"}));
+    EXPECT_EQ(listener.lines, QStringList({"Too Many Requests : A.NS"}));
 }
 
 // The whole road into a folder under a decimal comma: the exchange's prices, the exchange's dates.
