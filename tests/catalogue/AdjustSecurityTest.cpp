@@ -190,6 +190,7 @@ TEST_F(Catalogue, DeleteDataDeletesFromTheFirstDateToTheDateInTheBox) {
         EXPECT_EQ(readDates(data, "BBB"), held) << "Enter in the box deletes nothing";
         dialog->deleteButton->click();
         EXPECT_EQ(readDates(data, "BBB"), (std::vector<qint32>{20040107, 20040108}));
+        { ForeignLockHolder other(data); }   // the open screen holds the folder no longer
         EXPECT_EQ(dialog->dateEdit->text(), c.chosen);
         clickEntry(dialog->securitiesList, "Alpha Mining");
         dialog->deleteButton->click();

@@ -318,6 +318,7 @@ TEST_F(Unzipping, ResultNumbersTellTheOutcomesApart) {
     QByteArray bomb = makeArchive({ZipEntry::file("bomb.dat", QByteArray(1 << 20, '\0'))});
     declareSize(bomb, 1000);   // inflates past what it declares
     EXPECT_EQ(zip.Unzip(archiveOf(bomb), target), ZipResult::ArchiveError);
+    EXPECT_TRUE(ZipExtractor::GetLastMessage().contains(QStringLiteral("bomb.dat  stopped: more bytes than its declared 1000")));
     EXPECT_TRUE(tree(target).isEmpty());
 }
 

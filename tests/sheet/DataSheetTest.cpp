@@ -72,6 +72,7 @@ TEST_F(DataSheet, LongSeriesEndsWithTheNewestRowSelectedAndInView) {
     EXPECT_EQ(view->selectedRow(), 399);
     const QRect last = view->recordsView->visualRect(view->rows()->index(399, 0));
     EXPECT_TRUE(view->recordsView->viewport()->rect().contains(last)) << "the newest row is out of view";
+    EXPECT_TRUE(view->recordsView->verticalHeader()->isHidden()) << "no row numbers: the date leads each row";
     EXPECT_EQ(view->lastDateEdit->text(), DateToText(series(400).back().date));
     expectControlsLaidOut(view.get());
 }

@@ -111,4 +111,8 @@ TEST(Cli, CheckReportsEveryInconsistency) {
     EXPECT_EQ(r.status, 1);
     EXPECT_TRUE(r.out.contains(QStringLiteral("problem: F15.DAT (OV): 1 records come before the record ahead of them"))) << r.out.toStdString();
     EXPECT_TRUE(r.out.contains(QStringLiteral("problem: F15.DAT (OV): 1 records repeat the date")));
+    EXPECT_TRUE(r.out.contains(QStringLiteral("note: MASTER: 53 bytes past its last security record")));
+    // Two records of one day at different times are in order.
+    const CliRun intraday = cli({"check", metastockFixture(QStringLiteral("intraday"))});
+    EXPECT_EQ(intraday.status, 0) << intraday.out.toStdString();
 }

@@ -172,6 +172,35 @@ TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
     EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("XMASTER"))).size(), 150);
 }
 
+// A security of five fields (no open, no open interest) in a folder of MASTER alone, as older
+// programs write it: read as it lies, and a record added leaves every record whole.
+TEST(IndexBytes, FiveFieldSecuritiesAreReadAndWrittenWhole) {
+    TempFolder folder;
+    makeSecurity(folder.path(), QStringLiteral("AAA"), {});
+    ASSERT_TRUE(QFile::remove(folder.file(QStringLiteral("EMASTER"))));
+    QByteArray master = readFileBytes(folder.file(QStringLiteral("MASTER")));
+    master[53 + 3] = 20;
+    master[53 + 4] = 5;
+    writeTextFile(folder.file(QStringLiteral("MASTER")), master);
+    QByteArray data = zeros(20);
+    data[2] = 3;
+    for (const Bar& b : {barOf(20050801), barOf(20050802)})
+        data += mbf(float(b.date - 19000000)) + mbf(float(b.high)) + mbf(float(b.low)) + mbf(float(b.close)) + mbf(float(b.volume));
+    writeTextFile(folder.file(QStringLiteral("F1.DAT")), data);
+    const auto withoutOpen = [](std::vector<Bar> bars) {
+        for (Bar& b : bars)
+            b.open = 0;
+        return bars;
+    };
+    EXPECT_EQ(readBars(folder.path(), QStringLiteral("AAA")), withoutOpen(barsOf({20050801, 20050802})));
+    writeFolder(folder.path(), [](SecurityWriter& w) {
+        w.OpenSecurity(QStringLiteral("AAA"));
+        addBars(w, {barOf(20050803)});
+    });
+    EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("F1.DAT"))).size(), 4 * 20);
+    EXPECT_EQ(readBars(folder.path(), QStringLiteral("AAA")), withoutOpen(barsOf({20050801, 20050802, 20050803})));
+}
+
 // What a file of a folder can be instead of a file the format allows.
 enum class Stand { Bytes, Pipe, DeviceLink, Huge, Folder };
 

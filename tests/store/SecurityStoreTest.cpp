@@ -309,6 +309,22 @@ TEST(StoreWriting, ReadOnlyFilesAreRefusedBeforeAnythingIsWritten) {
     }
 }
 
+// The data file counts its records in 16 bits: the 65,534th record fits, one more is refused
+// and the security stays as it was.
+TEST(StoreWriting, ASecurityHoldsAtMost65534Records) {
+    TempFolder folder;
+    const auto days = tradingDays(19000101, 65535);
+    makeSecurity(folder.path(), AAA, Dates(days.begin(), days.end() - 1));
+    ASSERT_EQ(readDates(folder.path(), AAA).size(), 65534u);
+    SecurityWriter w;
+    w.OpenFolder(folder.path());
+    w.OpenSecurity(AAA);
+    const std::string text = failureText([&] { addBars(w, {barOf(days.back())}); });
+    EXPECT_TRUE(contains(text, "at most 65534 records")) << text;
+    EXPECT_TRUE(contains(failureText([&] { w.CloseFolder(); }), "not stored"));   // said again, as it was never stored
+    EXPECT_EQ(readDates(folder.path(), AAA).back(), days[days.size() - 2]);
+}
+
 TEST(StoreWriting, AFolderAnotherProgramWritesIsRefusedUntilItLetsGo) {
     TempFolder folder;
     makeSecurity(folder.path(), AAA, {20050801});
