@@ -170,6 +170,7 @@ protected:
             const auto texts = [&] { QStringList t; for (QLineEdit* b : boxes) t << b->text(); return t; };
             shown = texts();
             title = dialog->windowTitle();
+            expectControlsLaidOut(dialog);
             pickerEnabled = dialog->dateEdit->isEnabled();
             QApplication::setActiveWindow(dialog);   // the dialog has the keyboard, as on screen
             const QStringList typed = QStringList{typedDate} + values;

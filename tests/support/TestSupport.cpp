@@ -75,27 +75,34 @@ QByteArray readFileBytes(const QString& path) {
 }
 
 void expectControlsLaidOut(QWidget* screen) {
-    const auto isControl = [](QWidget* w) {
-        return !w->objectName().isEmpty() && !w->objectName().startsWith(u"qt_") &&
+    // A caption counts by its text where it has no name.
+    const auto label = [](QWidget* w) { auto l = qobject_cast<QLabel*>(w); return l ? l->text() : QString(); };
+    const auto isControl = [&](QWidget* w) {
+        if (w->objectName().startsWith(u"qt_"))
+            return false;
+        if (!label(w).isEmpty())
+            return true;
+        return !w->objectName().isEmpty() &&
                (qobject_cast<QLineEdit*>(w) || qobject_cast<QAbstractButton*>(w) || qobject_cast<QLabel*>(w) ||
                 qobject_cast<QAbstractItemView*>(w) || qobject_cast<QComboBox*>(w));
     };
+    const auto nameOf = [&](QWidget* w) { return (w->objectName().isEmpty() ? label(w) : w->objectName()).toStdString(); };
     // A control that no layout took in has no screen at all.
     for (QWidget* w : QApplication::allWidgets())
         if (!w->parentWidget() && isControl(w))
-            ADD_FAILURE() << w->objectName().toStdString() << " is on no screen";
+            ADD_FAILURE() << nameOf(w) << " is on no screen";
     QList<QWidget*> controls;
     for (QWidget* control : screen->findChildren<QWidget*>())
         if (isControl(control) && control->isVisibleTo(screen))
             controls << control;
-    EXPECT_FALSE(controls.isEmpty()) << screen->objectName().toStdString();
+    EXPECT_FALSE(controls.isEmpty()) << nameOf(screen);
     const auto area = [screen](QWidget* w) { return QRect(w->mapTo(screen, QPoint(0, 0)), w->size()); };
     for (QWidget* a : controls) {
-        EXPECT_TRUE(screen->rect().contains(area(a))) << a->objectName().toStdString() << " lies outside";
+        EXPECT_TRUE(screen->rect().contains(area(a))) << nameOf(a) << " lies outside";
         for (QWidget* b : controls)
             if (a < b && !a->isAncestorOf(b) && !b->isAncestorOf(a)) {
                 EXPECT_FALSE(area(a).intersects(area(b)))
-                    << a->objectName().toStdString() << " overlaps " << b->objectName().toStdString();
+                    << nameOf(a) << " overlaps " << nameOf(b);
             }
     }
 }
