@@ -5,6 +5,7 @@
 #include "download/ZipExtractor.h"
 #include "frame/Failure.h"
 #include "frame/Platform.h"
+#include "store/FolderLock.h"
 
 #include <QDir>
 #include <QFile>
@@ -21,6 +22,9 @@ QString IndexDownload::ArchiveUrl() {
 QString IndexDownload::ArchivePath() { return QDir(platform().cacheFolder()).filePath(QStringLiteral("tmp.zip")); }
 
 qint32 IndexDownload::Run(const QString& folder) {
+    // The archive is unpacked over a data folder: no other program may be writing it meanwhile, and
+    // none may start to until it is unpacked. Taken before the fetch, so a refused run fetches nothing.
+    const FolderLock lock(folder, "IndexDownload", "Run");
     const QString url = ArchiveUrl();
     QByteArray bytes;
     try {

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QRegularExpression>
 #include <QStorageInfo>
 #include <QStringList>
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <system_error>
 #include <vector>
@@ -151,6 +153,7 @@ private:
     void testOne(const Member& m);
     void printOne(const Member& m);
     bool makeFolders(const QString& base, const QStringList& parts, qsizetype count, QString& path);
+    QString onDisk(const QString& folder, const QString& name);
     int outcome() const;
 
     const ZipOptionRecord& o;
@@ -161,6 +164,8 @@ private:
     std::vector<char> buffer = std::vector<char>(ChunkBytes);
     int warnings = 0, damaged = 0, badPasswords = 0, done = 0;
     bool diskFull = false, overwriteAll = false, overwriteNone = false;
+    // The names in each folder written to, by their case-folded form, read at the first member.
+    std::map<QString, QHash<QString, QStringList>> namesIn;
 };
 
 bool Run::collectMembers() {
@@ -276,10 +281,29 @@ bool Run::readMember(const Member& m, zip_file_t* file, Sink&& sink, bool& sinkF
     return false;
 }
 
+// The name under which `name` already stands in `folder`, in the case it was written in: the files
+// of a data folder are the same files whatever the case of their names (the store takes them so,
+// as the systems the folders come from do), so a member over one of them replaces it instead of
+// standing beside it. The name itself when it stands there as it is, or nothing of that name does.
+QString Run::onDisk(const QString& folder, const QString& name) {
+    auto [names, firstLook] = namesIn.try_emplace(folder);
+    if (firstLook)
+        for (const QString& entry :
+             QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name))
+            names->second[entry.toCaseFolded()].append(entry);
+    QStringList& same = names->second[name.toCaseFolded()];
+    if (same.isEmpty() || same.contains(name)) {
+        if (same.isEmpty())
+            same.append(name);
+        return name;
+    }
+    return same.first();
+}
+
 bool Run::makeFolders(const QString& base, const QStringList& parts, qsizetype count, QString& path) {
     path = base;
     for (qsizetype i = 0; i < count; ++i) {
-        path += QLatin1Char('/') + parts.at(i);
+        path += QLatin1Char('/') + onDisk(path, parts.at(i));
         std::error_code error;
         const fs::file_status status = fs::symlink_status(path.toStdString(), error);
         if (status.type() == fs::file_type::not_found) {
@@ -331,7 +355,7 @@ void Run::extractOne(const Member& m, const QString& base) {
         say(1, QStringLiteral("warning:  skipped \"%1\": %2 is not a folder").arg(m.name, QDir::toNativeSeparators(folder)));
         return;
     }
-    const QString target = folder + QLatin1Char('/') + parts.last();
+    const QString target = folder + QLatin1Char('/') + onDisk(folder, parts.last());
     std::error_code error;
     const fs::file_status status = fs::symlink_status(target.toStdString(), error);
     const bool exists = status.type() != fs::file_type::not_found && status.type() != fs::file_type::none;
@@ -528,7 +552,11 @@ int Run::go() {
         return outcome();
     }
 
-    const QString base = QDir(o.ExtractDir.isEmpty() ? QStringLiteral(".") : o.ExtractDir).absolutePath();
+    // Blanks typed around a folder's name are not part of it, unless a folder of that very name is there.
+    QString folder = o.ExtractDir;
+    if (!folder.trimmed().isEmpty() && folder.trimmed() != folder && !QFileInfo(folder).isDir())
+        folder = folder.trimmed();
+    const QString base = QDir(folder.isEmpty() ? QStringLiteral(".") : folder).absolutePath();
     if (!QDir().mkpath(base)) {
         say(1, QStringLiteral("error:  cannot make the folder %1").arg(QDir::toNativeSeparators(base)));
         return ZipResult::SevereError;

@@ -64,7 +64,8 @@ TEST_F(IndexScreen, TheFolderFieldAndItsSetting) {
     EXPECT_TRUE(dialog.isVisible());
 }
 
-// Typed text is used but not remembered; a second run unpacks over the first without asking.
+// Typed text is used but not remembered, blanks around it are not part of the folder; a second run
+// unpacks over the first without asking, over files of the same name in another case too.
 TEST_F(IndexScreen, AGoodArchiveIsKeptUnpackedAndTheScreenCloses) {
     const QByteArray bytes = makeArchive(FirstArchive);
     NseIndexDialog* seen = nullptr;
@@ -79,45 +80,55 @@ TEST_F(IndexScreen, AGoodArchiveIsKeptUnpackedAndTheScreenCloses) {
     {
         NseIndexDialog dialog;
         seen = &dialog;
-        run(dialog, folder);
+        run(dialog, " " + folder + " ");
         EXPECT_EQ(server.targets, QList<QByteArray>{"/downloads/index.zip"});
         EXPECT_EQ(captionWhileFetching, "Downloading....");
         EXPECT_FALSE(enabledWhileFetching);
         expectBox(platform.boxes.value(0), "Download Complete.", "Brindlemark v6");
-        EXPECT_EQ(tree(folder), (QStringList{"F1.DAT", "MASTER", "sub", "sub/notes.txt"}));
+        EXPECT_EQ(tree(folder), (QStringList{"F1.DAT", "MASTER", "brindlemark.lck", "sub", "sub/notes.txt"}));
         EXPECT_EQ(readFileBytes(IndexDownload::ArchivePath()), bytes);
         EXPECT_EQ(QFileInfo(IndexDownload::ArchivePath()).absolutePath(), QFileInfo(platform.cacheDir.path()).absoluteFilePath());
         EXPECT_FALSE(dialog.isVisible());
         EXPECT_EQ(dialog.result(), QDialog::Accepted);
         EXPECT_FALSE(platform.settings.contains(key));
     }
-    const QByteArray shorter = makeArchive({ZipEntry::file("sub/notes.txt", "second")});
+    const QByteArray shorter = makeArchive({ZipEntry::file("Sub/Notes.txt", "second"), ZipEntry::file("f1.dat", "new")});
     server.serve(LoopbackReply::ok(shorter));
     NseIndexDialog dialog;
     run(dialog, folder);
     EXPECT_EQ(platform.boxTexts(), QStringList({"Download Complete.", "Download Complete."}));
+    EXPECT_EQ(tree(folder), (QStringList{"F1.DAT", "MASTER", "brindlemark.lck", "sub", "sub/notes.txt"}));
     EXPECT_EQ(readFileBytes(folder + "/sub/notes.txt"), "second");
+    EXPECT_EQ(readFileBytes(folder + "/F1.DAT"), "new");
     EXPECT_EQ(readFileBytes(folder + "/MASTER"), QByteArray(53, 'm'));   // unpacked over, not cleared
     EXPECT_EQ(readFileBytes(IndexDownload::ArchivePath()), shorter);
 }
 
 // Failed runs leave the folder as it was; the archive's own trouble is the extraction's, and that
-// run ends as any other.
+// run ends as any other. A folder another program is writing is not fetched for.
 TEST_F(IndexScreen, FailuresLeaveTheFolderAsItWas) {
     const QString dead = QStringLiteral("http://127.0.0.1:%1").arg(LoopbackHttpServer::deadPort());
-    const struct { LoopbackReply reply; QString source; const char* boxSays; } cases[] = {   // boxSays null: completes
+    const struct { LoopbackReply reply; QString source; const char* boxSays; bool held = false; } cases[] = {   // boxSays null: completes
         {LoopbackReply::withStatus(404, "<html>Not Found</html>"), server.endpoint(), "404"},
         {{}, dead, "could not be fetched from http://127.0.0.1:"},
+        {LoopbackReply::ok(makeArchive(FirstArchive)), server.endpoint(), "is being written by", true},
         {LoopbackReply::ok("<html>this is not a zip archive</html>"), server.endpoint(), nullptr}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.boxSays ? c.boxSays : "garbage");
         writeTextFile(folder + "/MASTER", "kept");
         platform.settings["Sources/IndexArchive"] = c.source;
         platform.boxes.clear();
+        server.targets.clear();
         server.serve(c.reply);
         NseIndexDialog dialog;
-        run(dialog, folder);
-        EXPECT_EQ(tree(folder), QStringList{"MASTER"});
+        {
+            std::optional<ForeignLockHolder> other;
+            if (c.held)
+                other.emplace(folder);
+            run(dialog, folder);
+        }
+        EXPECT_EQ(server.targets.size(), c.held || c.source == dead ? 0 : 1);
+        EXPECT_EQ(tree(folder), (QStringList{"MASTER", "brindlemark.lck"}));
         EXPECT_EQ(readFileBytes(folder + "/MASTER"), "kept");
         ASSERT_EQ(platform.boxes.size(), 1);
         EXPECT_EQ(dialog.isVisible(), c.boxSays != nullptr);
