@@ -17,12 +17,15 @@
 namespace {
 
 // What values.dat says: the first field of its first line (up to the first comma or the line's
-// end), trimmed. Empty when the file is missing, can't be read or holds nothing.
-QString readValuesText(const QString& folder) {
+// end), trimmed. None when the file is missing, can't be read or holds nothing at all; a file that
+// holds something else than a date gives that text, which then can't be read as a date.
+std::optional<QString> readValuesText(const QString& folder) {
     QFile file(CreateSymbols::ValuesFilePath(folder));
     if (!file.open(QIODevice::ReadOnly))
-        return {};
+        return std::nullopt;
     const QString line = QString::fromUtf8(file.readLine(4096));
+    if (line.isEmpty())
+        return std::nullopt;
     qsizetype end = 0;
     while (end < line.size() && line[end] != u',' && line[end] != u'\r' && line[end] != u'\n')
         ++end;
@@ -75,12 +78,13 @@ void NseDailyRun::BeginDownload(const QString& folderText) {
         listener_.runEnded();
     };
 
-    const QString valuesText = readValuesText(folder);
-    if (valuesText.isEmpty()) {
+    const std::optional<QString> valuesRead = readValuesText(folder);
+    if (!valuesRead) {
         MsgBox(QStringLiteral("NO Metastock Data Files Found in the Selected Directory."), MsgIcon::Information);
         backToIdle();
         return;
     }
+    const QString& valuesText = *valuesRead;
     const std::optional<QDate> held = valuesDate(valuesText);
     const auto start = FirstDay.isValid() ? std::optional<QDate>(FirstDay.addDays(-1)) : held;
     if (!start) {

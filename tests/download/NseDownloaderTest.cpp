@@ -175,6 +175,9 @@ TEST_F(NseRun, RunsThatFetchNothing) {
     } cases[] = {
         {"blank folder text", "   ", QByteArray("01/10/2026\r\n"), "Data Directory Field is Empty.", MsgIcon::None, false},
         {"no values.dat", "", std::nullopt, "NO Metastock Data Files Found in the Selected Directory.", MsgIcon::Information, false},
+        {"an empty values.dat", "", QByteArray(), "NO Metastock Data Files Found in the Selected Directory.", MsgIcon::Information, false},
+        {"a blank line first", "", QByteArray("\r\n01/10/2026\r\n"),
+         "The date \"\" in values.dat can't be read. Nothing was downloaded.", MsgIcon::Warning, false},
         {"values.dat names today", "", QByteArray("09/10/2026,x\r\n"), "Download Completed.", MsgIcon::Information, true},
         {"no date in values.dat", "", QByteArray("soon\r\n"),
          "The date \"soon\" in values.dat can't be read. Nothing was downloaded.", MsgIcon::Warning, false},
