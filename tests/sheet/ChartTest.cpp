@@ -266,11 +266,13 @@ TEST_F(ChartLoad, ThePaintedPictureIsTheList) {
     DrawChartSecurity(quotes, float(image.width() * tx), float(image.height() * ty), ChartSeries::Candle, steps);
     auto at = [&](float x, float y) { return image.pixel(qRound(x / tx), qRound(y / ty)) & 0xFFFFFF; };
 
+    const float axisX = float(image.width() * tx) - 650;   // the vertical axis
     int grid = 0, filled = 0, hollow = 0, labels = 0;
     for (const ChartStep& s : steps) {
         const float midY = (s.y1 + s.y2) / 2;
         if (s.kind == ChartStep::Line && s.colour == ChartColour::Grid) {
             EXPECT_EQ(at(0, s.y1), 0xE6E6E6u) << s.y1;
+            EXPECT_EQ(at(axisX, s.y1), 0u) << s.y1;   // the axis stays black across the grid
             ++grid;
         } else if (s.kind == ChartStep::FilledBox) {
             EXPECT_TRUE(at(s.x1, midY) == 0u && at(s.x2, midY) == 0u);
@@ -287,7 +289,6 @@ TEST_F(ChartLoad, ThePaintedPictureIsTheList) {
             ++labels;
         }
     }
-    const float axisX = float(image.width() * tx) - 650;   // the vertical axis
     EXPECT_EQ(at(axisX, 20 * ty), 0u);
     EXPECT_EQ(at(axisX / 2, 20 * ty), 0xFFFFFFu) << "between two grid lines, clear of the series, nothing is drawn";
     EXPECT_EQ((std::vector<int>{grid, filled, hollow, labels}), (std::vector<int>{12, 6, 6, 4}));

@@ -7,7 +7,9 @@
 #include <QPainter>
 #include <QPen>
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 void PaintChartSteps(QPaintDevice& picture, const std::vector<ChartStep>& steps, double twipsPerPixelX,
                      double twipsPerPixelY, const QFont& font) {
@@ -30,7 +32,20 @@ void PaintChartSteps(QPaintDevice& picture, const std::vector<ChartStep>& steps,
         }
     };
 
-    for (const ChartStep& step : steps) {
+    // The grid lies beneath all else: drawn in its turn, after the axes, a grid line would put its
+    // grey over the black of the price axis at every whole price.
+    auto isGrid = [](const ChartStep& step) { return step.kind == ChartStep::Line && step.colour == ChartColour::Grid; };
+    std::vector<const ChartStep*> order;
+    order.reserve(steps.size());
+    for (const ChartStep& step : steps)
+        if (step.kind == ChartStep::Clear || isGrid(step))
+            order.push_back(&step);
+    for (const ChartStep& step : steps)
+        if (step.kind != ChartStep::Clear && !isGrid(step))
+            order.push_back(&step);
+
+    for (const ChartStep* next : order) {
+        const ChartStep& step = *next;
         switch (step.kind) {
         case ChartStep::Clear:
             painter.fillRect(QRect(QPoint(0, 0), QSize(picture.width(), picture.height())),
@@ -42,7 +57,9 @@ void PaintChartSteps(QPaintDevice& picture, const std::vector<ChartStep>& steps,
             if (from.x() == to.x() || from.y() == to.y()) {
                 // Level and upright lines, the grid and most of a bar or candle, are one-pixel
                 // rectangles, both ends included: the same pixels, filled far faster.
-                painter.fillRect(QRect(from, to).normalized(), QColor::fromRgb(step.colour));
+                painter.fillRect(QRect(QPoint(std::min(from.x(), to.x()), std::min(from.y(), to.y())),
+                                       QPoint(std::max(from.x(), to.x()), std::max(from.y(), to.y()))),
+                                 QColor::fromRgb(step.colour));
             } else {
                 use(step.colour);
                 painter.drawLine(from, to);
@@ -52,7 +69,8 @@ void PaintChartSteps(QPaintDevice& picture, const std::vector<ChartStep>& steps,
         case ChartStep::Box:
         case ChartStep::FilledBox: {
             // Both corners belong to the box.
-            const QRect box = QRect(QPoint(px(step.x1), py(step.y1)), QPoint(px(step.x2), py(step.y2))).normalized();
+            const int x1 = px(step.x1), y1 = py(step.y1), x2 = px(step.x2), y2 = py(step.y2);
+            const QRect box(QPoint(std::min(x1, x2), std::min(y1, y2)), QPoint(std::max(x1, x2), std::max(y1, y2)));
             if (step.kind == ChartStep::FilledBox) {
                 painter.fillRect(box, QColor::fromRgb(step.colour));
             } else {
