@@ -73,7 +73,7 @@ void DownloadRun::RunDownload() {
     running_ = true;
     fetchReached_ = false;
     const int count = handOvers().DownloadItems.upperBound();
-    bool cancelled = false;
+    bool cancelled = false, refused = false;
     // Every folder of the run is held for the whole run, so that no other program writes it
     // meanwhile; one that another program holds now stops the run before anything is fetched.
     std::list<FolderLock> locks;
@@ -87,21 +87,20 @@ void DownloadRun::RunDownload() {
             }
         }
     } catch (const Failure& failure) {
+        // A failure before the first fetch: the user reads why, then the run ends as any other.
         locks.clear();
         MsgBox(failure.Description, MsgIcon::Critical);
-        passOver([&] { listener_.runEnded(); });
-        running_ = false;
-        return;
+        refused = true;
     }
     try {
-        for (int i = 1; i <= count && i <= std::numeric_limits<qint16>::max(); ++i) {
+        for (int i = 1; !refused && i <= count && i <= std::numeric_limits<qint16>::max(); ++i) {
             handleItem(i, count);
             if (CancelRequested) {
                 cancelled = true;
                 break;
             }
         }
-        if (!cancelled) {
+        if (!cancelled && !refused) {
             release();
             listener_.captionChanged(QStringLiteral("Download Completed. / "));
         }

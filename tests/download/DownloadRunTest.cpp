@@ -139,9 +139,10 @@ TEST_F(DownloadRunScreen, AFolderAnotherProgramWritesEndsTheRunWithItsBox) {
     DownloadProgressWindow dlg;
     dlg.load();
     EXPECT_TRUE(server.targets.isEmpty());
-    ASSERT_EQ(platform_.boxes.size(), 1);
+    ASSERT_EQ(platform_.boxes.size(), 2);
     EXPECT_TRUE(platform_.boxes[0].text.contains("brindlemark-cli (process 4242)")) << platform_.boxes[0].text.toStdString();
     EXPECT_EQ(platform_.boxes[0].icon, MsgIcon::Critical);
+    EXPECT_EQ(platform_.boxes[1].text, "Download Completed.");   // the closing steps follow as after any failure
     EXPECT_EQ(readBars(folder, "A").size(), 1);
     EXPECT_TRUE(dlg.close()) << "the run is over: the window closes at once";
 }
