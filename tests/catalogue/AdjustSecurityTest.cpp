@@ -137,6 +137,11 @@ TEST_F(Catalogue, ChangeRenamesTheSecurityClickedLastAndDeleteTakesTheTypedSymbo
     EXPECT_EQ(lines(dialog->securitiesList), (QStringList{"Alpha Mining", "Beta Farms", "Gamma Rail"}));
     EXPECT_TRUE(dialog->securitiesList->selectedItems().isEmpty());
     EXPECT_EQ(boxes(), (QStringList{"  Beta Farms ", "BBB", "02/01/2004"}));
+    // Tab out of the list and back puts its cursor on the first line: that is no pick.
+    QTest::keyPress(dialog->securitiesList, Qt::Key_Tab);
+    QTest::keyRelease(QApplication::focusWidget(), Qt::Key_Tab);
+    dialog->securitiesList->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(boxes(), (QStringList{"  Beta Farms ", "BBB", "02/01/2004"}));
 
     dialog->symbolEdit->setText(" BFM ");
     dialog->changeButton->click();

@@ -23,8 +23,9 @@ void ListSecurityNames(QListWidget* list, const QString& folder) {
 
 namespace {
 
-// Tells a selection moved by a key from one the program moved: a key press arms it, a mouse
-// press or a new listing disarms it.
+// Tells a selection moved by a key from one the program moved: a key press arms it; its release, a
+// mouse press or the focus coming or going disarms it. A Tab released in the next control, and the
+// list putting its cursor on the first line as the focus comes back, pick nothing.
 class PickWatcher : public QObject {
 public:
     PickWatcher(QListWidget* list, std::function<void()> picked)
@@ -41,7 +42,8 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (watched == list_ && event->type() == QEvent::KeyPress)
             keying_ = true;
-        else if (watched == list_ && event->type() == QEvent::KeyRelease)
+        else if (watched == list_ && (event->type() == QEvent::KeyRelease || event->type() == QEvent::FocusOut
+                                      || event->type() == QEvent::FocusIn))
             keying_ = false;
         else if (watched == viewport_ && event->type() == QEvent::MouseButtonPress)
             keying_ = false;
