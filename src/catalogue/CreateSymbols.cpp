@@ -51,9 +51,14 @@ void WriteValuesText(const QString& folder, const QByteArray& text) {
 
 void CreateSecurities(SecurityWriter& writer, const QString& folder, const QStringList& symbols,
                       const QDate& fromDate) {
-    writer.OpenFolder(folder);
     const qint32 storeDate = Regional::toStoreDate(fromDate);
     const QString storeDateText = Regional::yyyymmdd(fromDate);
+    if (!SecurityWriter::CanHoldDate(storeDate))   // refused before any security is deleted or made
+        throw Failure(FailureNumber::Store,
+                      QStringLiteral("%1 is not a date the store can hold: a day of the years 1900 to 2999.")
+                          .arg(Regional::dateText(fromDate)),
+                      QStringLiteral("CreateSymbols::CreateSecurities"));
+    writer.OpenFolder(folder);
     for (const QString& line : symbols) {
         const QString symbol = line.trimmed();
         if (writer.SymbolExists(symbol))

@@ -23,7 +23,9 @@ constexpr Refusal refuse{"SecurityWriter"};
 qint32 dateOf(const QString& text, const char* operation) {
     const qint32 date = Regional::toStoreDate(Regional::fromYyyymmdd(text.trimmed()));
     if (!isValidStoreDate(date))
-        refuse(QStringLiteral("\"%1\" is not a date of the form yyyymmdd.").arg(text.trimmed()), operation);
+        refuse(QStringLiteral("\"%1\" is not a date the store can hold: a day of the years 1900 to 2999, as yyyymmdd.")
+                   .arg(text.trimmed()),
+               operation);
     return date;
 }
 
@@ -524,7 +526,9 @@ void SecurityWriter::AddQuote(qint32 storeDate, qint32 mark, double open, double
                               double volume, double /*extra*/) {
     d->security("AddQuote");
     if (!isValidStoreDate(storeDate))
-        refuse(QStringLiteral("%1 is not a date of the form yyyymmdd.").arg(storeDate), "AddQuote");
+        refuse(QStringLiteral("%1 is not a date the store can hold: a day of the years 1900 to 2999, as yyyymmdd.")
+                   .arg(storeDate),
+               "AddQuote");
     d->pending[storeDate] = d->recordOf(storeDate, open, high, low, close, volume, "AddQuote");
     if (d->seedDate == 0)
         d->seedDate = storeDate;
@@ -533,6 +537,8 @@ void SecurityWriter::AddQuote(qint32 storeDate, qint32 mark, double open, double
 }
 
 void SecurityWriter::CloseFolder() { d->closeFolder(); }
+
+bool SecurityWriter::CanHoldDate(qint32 storeDate) { return isValidStoreDate(storeDate); }
 
 namespace {
 Folder openForWriting(const QString& folderPath) {

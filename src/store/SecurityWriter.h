@@ -45,6 +45,8 @@ public:
     void CloseSecurity();
     bool DateExists(const QString& storeDateText);
     void SaveQuotes();
+    // Whether a record of this store date can be stored: a real day of the years 1900 to 2999.
+    static bool CanHoldDate(qint32 storeDate);
 
 private:
     struct Impl;

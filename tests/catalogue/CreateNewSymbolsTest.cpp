@@ -104,9 +104,10 @@ TEST_F(CreateNewSymbols, ValuesDatHoldsTheFromDateDayFirstInEveryLocale) {
     }
 }
 
-// The checks come first, the date before the folder, and write nothing.
+// The checks come first, the date before the folder, and write nothing. A day the store cannot hold
+// is no from date either.
 TEST_F(CreateNewSymbols, ABadFromDateIsReportedFirstAndStopsBeforeAnythingIsWritten) {
-    for (const char* typed : {"", "abc", "31/02/2004", "1/1/2004x"}) {
+    for (const char* typed : {"", "abc", "31/02/2004", "1/1/2004x", "31/12/1899", "1/1/3000"}) {   // the last two: no store date
         for (const QString& dataFolder : {temp.path(), QString()}) {
             platform.boxes.clear();
             auto dialog = shown<CreateSymbolsDialog>();

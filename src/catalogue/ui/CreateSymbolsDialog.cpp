@@ -3,6 +3,7 @@
 #include "catalogue/CreateSymbols.h"
 #include "catalogue/ui/NewSymbolDialog.h"
 #include "catalogue/ui/SymbolLookupDialog.h"
+#include "store/SecurityWriter.h"
 #include "frame/CommonRoutines.h"
 #include "frame/Failure.h"
 #include "frame/ProgramState.h"
@@ -143,8 +144,9 @@ void CreateSymbolsDialog::symbolLookup() {
 void CreateSymbolsDialog::yahooLookup() { GoURL(WebLinks::YahooLookupPage); }
 
 void CreateSymbolsDialog::createSymbols() {
+    // A date the store can't hold is refused here, before any security is touched.
     const auto fromDate = Regional::readDate(fromDateEdit->text().trimmed());
-    if (!fromDate) {
+    if (!fromDate || !SecurityWriter::CanHoldDate(Regional::toStoreDate(*fromDate))) {
         MsgBox(QStringLiteral("Invalid From Date"), MsgIcon::Warning);
         fromDateEdit->setFocus();
         return;
