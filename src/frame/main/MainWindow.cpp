@@ -280,7 +280,20 @@ void MainWindow::adjustData() {
 }
 
 void MainWindow::convertToCsv() {
+    // One Convert window: a second pick brings it forward as it stands.
+    for (QMdiSubWindow* sub : childArea->subWindowList()) {
+        if (qobject_cast<ConvertToCsvWindow*>(sub->widget())) {
+            if (sub->isMinimized())
+                sub->showNormal();
+            childArea->setActiveSubWindow(sub);
+            return;
+        }
+    }
     ShowChildWindow(new ConvertToCsvWindow);
+}
+
+QMenu* MainWindow::createPopupMenu() {
+    return nullptr;   // no menu on the toolbar or the menu bar that could hide the toolbar
 }
 
 void MainWindow::symbolLookup() {
@@ -377,6 +390,16 @@ std::optional<bool> capsLockOf(const QKeyEvent* key) {
 } // namespace
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    // The menu's short cuts come before a text box's own keys (Ctrl+U empties the line on some
+    // desktops, Ctrl+Y is Redo on others) anywhere in this window and its child windows. Where no
+    // short cut takes the key, the box still gets it.
+    if (event->type() == QEvent::ShortcutOverride && watched->isWidgetType()
+        && static_cast<QWidget*>(watched)->window() == this) {
+        const QKeySequence pressed(static_cast<QKeyEvent*>(event)->keyCombination());
+        for (const QAction* action : findChildren<QAction*>())
+            if (action->isEnabled() && !action->shortcut().isEmpty() && action->shortcut() == pressed)
+                return true;
+    }
     // Every key the user presses reaches the program once through the window that has the focus,
     // before it goes to a widget and on to its parents: it is counted there. Caps shows the
     // platform's own lock state where the platform sends it; elsewhere it follows the keys: Caps
