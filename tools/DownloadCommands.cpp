@@ -55,7 +55,7 @@ public:
         const QString outcome = line.left(colon);
         const QString symbol = line.mid(colon + 3);
         if (outcome == QLatin1String("Download Complete")) {
-            out_ << symbol << ' ' << handOvers().Quotes.upperBound() << " records\n";
+            out_ << symbol << ' ' << (run ? run->DaysStored : 0) << " records\n";
             ++done;
         } else if (outcome == QLatin1String("Upto Date")) {
             out_ << symbol << " Up to date\n";
@@ -88,8 +88,10 @@ private:
     QElapsedTimer clock_;
 };
 
-// The securities of a folder as download items, as the Downloader makes them for ticked rows.
-void addItems(const QString& folder, const QSet<QString>& wanted, QSet<QString>& found) {
+// The securities of a folder as download items, as the Downloader makes them for ticked rows. A
+// security without records has no date to go on from: it goes into `undated` instead, since
+// in a run it would end the run for all the others.
+void addItems(const QString& folder, const QSet<QString>& wanted, QSet<QString>& found, QStringList& undated) {
     SecurityReader reader;
     reader.OpenFolder(folder);
     while (reader.GetSecuritiesRemaining() > 0) {
@@ -102,10 +104,12 @@ void addItems(const QString& folder, const QSet<QString>& wanted, QSet<QString>&
         item.Symbol = symbol;
         item.Folder = folder;
         const QDate last = Regional::fromStoreDate(reader.GetLastDate());
-        if (last.isValid()) {
-            item.FirstDate = Regional::dateText(last.addDays(-35));
-            item.NextDate = Regional::dateText(last.addDays(1));
+        if (!last.isValid()) {
+            undated << symbol;
+            continue;
         }
+        item.FirstDate = Regional::dateText(last.addDays(-35));
+        item.NextDate = Regional::dateText(last.addDays(1));
         handOvers().DownloadItems.append(item);
     }
     reader.CloseFolder();
@@ -126,6 +130,7 @@ int downloadQuotes(const QStringList& folders, const QStringList& symbols, QText
     stopAsked = 0;
 
     QSet<QString> wanted, found;
+    QStringList undated;
     for (const QString& s : symbols)
         wanted.insert(s.trimmed().toUpper());
     int status = 0;
@@ -134,7 +139,7 @@ int downloadQuotes(const QStringList& folders, const QStringList& symbols, QText
     for (const QString& folder : folders) {
         try {
             locks.emplace_back(folder, "brindlemark-cli", "download");
-            addItems(folder, wanted, found);
+            addItems(folder, wanted, found, undated);
         } catch (const Failure& failure) {
             err << folder << ": " << failure.Description << '\n';
             status = 1;
@@ -142,6 +147,10 @@ int downloadQuotes(const QStringList& folders, const QStringList& symbols, QText
     }
     for (const QString& s : wanted - found) {
         err << s << ": not in the folders given\n";
+        status = 1;
+    }
+    for (const QString& s : undated) {
+        err << s << ": holds no records, so there is no date to download from; left out\n";
         status = 1;
     }
 
@@ -154,7 +163,7 @@ int downloadQuotes(const QStringList& folders, const QStringList& symbols, QText
 
     const bool stopped = stopAsked || run.CancelRequested;
     out << listener.done << " downloaded, " << listener.upToDate << " up to date, " << listener.noData
-        << " without data, " << listener.failed << " failed\n";
+        << " without data, " << listener.failed + undated.size() << " failed\n";
     if (listener.failed > 0)
         status = 1;
     if (stopped) {

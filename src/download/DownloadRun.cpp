@@ -9,6 +9,8 @@
 #include "store/FolderLock.h"
 #include "store/SecurityWriter.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <limits>
 #include <list>
@@ -150,6 +152,7 @@ void DownloadRun::handleItem(int index, int count) {
             dq.Error = 2;
         }
 
+        DaysStored = 0;
         if (dq.Error == 0)
             merge();
 
@@ -187,6 +190,7 @@ void DownloadRun::handleItem(int index, int count) {
 
 void DownloadRun::merge() {
     const auto& quotes = handOvers().Quotes;
+    QSet<qint32> stored;
     // A security takes at most 32,767 records from one reply.
     const int highest = std::min(quotes.upperBound(), int(std::numeric_limits<qint16>::max()));
     step([&] { listener_.recordRange(highest); });
@@ -215,6 +219,8 @@ void DownloadRun::merge() {
             writer().AddQuote(date, 0, throughText(record.OpenPrice), throughText(record.High),
                               throughText(record.Low), throughText(record.ClosePrice),
                               throughText(record.Volume), 0.0);
+            stored.insert(date);
         });
     }
+    DaysStored = int(stored.size());
 }

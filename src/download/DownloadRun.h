@@ -54,6 +54,8 @@ public:
     qint16 noDataCount = 0;   // securities without data
     qint16 ItemIndex = 0;
     qint16 RecordIndex = 0;
+    // The days of the security in hand that the store took from the reply, each counted once.
+    int DaysStored = 0;
 
 private:
     void handleItem(int index, int count);

@@ -15,19 +15,22 @@ protected:
 
 TEST_F(CliDownload, OneLinePerSecurityMergedAsTheScreenMergesAndASummary) {
     const QString a = temp.sub("a"), b = temp.sub("b");
+    makeSecurity(a, "EMPTY.NS", "No records yet", {});   // no date to go on from: left out, not the end of the run
     makeSecurity(a, "AAA.NS", "Alpha", {bar(20261110, 10), bar(20261111, 11)});
     makeSecurity(a, "NODATA.NS", "Gone", {bar(20261110, 5)});
     makeSecurity(b, "BBB.NS", "Beta", {bar(20261120, 20)});
     makeSecurity(b, "NEW.NS", "Fresh", {bar(20261123, 30)});
-    // AAA's reply overlaps what is stored: the reply wins for 11 November.
-    replies.insert("AAA.NS", LoopbackReply::ok(Header + line(bar(20261112, 12)) + line(bar(20261111, 99))));
+    // AAA's reply overlaps what is stored: the reply wins for 11 November; its first line of 12 November
+    // wins over the second, and the day counts once.
+    replies.insert("AAA.NS", LoopbackReply::ok(Header + line(bar(20261112, 12)) + line(bar(20261111, 99)) + line(bar(20261112, 13))));
     replies.insert("NODATA.NS", LoopbackReply::withStatus(404, "<html>no</html>"));
     replies.insert("BBB.NS", LoopbackReply::ok(Header + line(bar(20261121, 21))));
 
-    ASSERT_EQ(run({"download", "quotes", a, b}), 0) << last.err.toStdString();
+    ASSERT_EQ(run({"download", "quotes", a, b}), 1) << last.err.toStdString();
+    EXPECT_EQ(last.err, "EMPTY.NS: holds no records, so there is no date to download from; left out\n");
     EXPECT_EQ(last.out, (QStringList{"AAA.NS 2 records", "NODATA.NS No Data Available", "BBB.NS 1 records",
                                         "NEW.NS Up to date",
-                                        "2 downloaded, 1 up to date, 1 without data, 0 failed"}));
+                                        "2 downloaded, 1 up to date, 1 without data, 1 failed"}));
     EXPECT_EQ(readBars(a, "AAA.NS"), (std::vector<Bar>{bar(20261110, 10), bar(20261111, 99), bar(20261112, 12)}));
     EXPECT_EQ(readBars(b, "BBB.NS"), (std::vector<Bar>{bar(20261120, 20), bar(20261121, 21)}));
 
