@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QSysInfo>
 
@@ -26,6 +27,7 @@ struct Held {
     int count = 0;
 #ifdef Q_OS_UNIX
     int fd = -1;   // -1: a folder where no lock could be made
+    bool made = false;   // the lock file was made by this holder
 #else
     std::unique_ptr<QLockFile> file;
 #endif
@@ -78,6 +80,8 @@ void take(Held& lock, const QString& folder, const char* className, const char* 
     // A lock taken on a file that is no longer the one at the path (someone removed it meanwhile)
     // is taken again on the new one.
     for (int attempt = 0; attempt < 5; ++attempt) {
+        struct stat before {};
+        const bool made = ::stat(path.constData(), &before) != 0 && errno == ENOENT;
         const int fd = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
         if (fd < 0)
             return;   // no file can be made here: nothing can be written either
@@ -101,6 +105,7 @@ void take(Held& lock, const QString& folder, const char* className, const char* 
                 (void)cut;
             }
             lock.fd = fd;
+            lock.made = made;
             return;
         }
         ::close(fd);
@@ -111,7 +116,16 @@ void release(Held& lock) {
     if (lock.fd < 0)
         return;
     // The file stays for the next holder: removing it would make every opening of a folder pay
-    // for making and freeing a file, which costs more than the rest of a small merge.
+    // for making and freeing a file, which costs more than the rest of a small merge. Only a file
+    // made here in a folder that has come to hold no store goes (a folder opened for writing in
+    // which nothing was written): the user never asked for a file there.
+    if (lock.made) {
+        const QFileInfo file(lock.path);
+        if (QDir(file.absolutePath())
+                .entryList({QStringLiteral("MASTER"), QStringLiteral("EMASTER"), QStringLiteral("XMASTER")}, QDir::Files)
+                .isEmpty())
+            ::unlink(QFile::encodeName(lock.path).constData());   // still held: a waiting program takes the next file
+    }
     ::close(lock.fd);   // lets the lock go
     lock.fd = -1;
 }

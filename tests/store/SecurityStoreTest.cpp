@@ -5,6 +5,7 @@
 #include "support/TestSupport.h"
 
 #include <QFile>
+#include <QDir>
 #include <QFileInfo>
 
 #include <tuple>
@@ -345,6 +346,15 @@ TEST(StoreWriting, AFolderAnotherProgramWritesIsRefusedUntilItLetsGo) {
     }
     { const ForeignLockHolder next(folder.path()); }
     EXPECT_EQ(readDates(folder.path(), AAA), (Dates{20050801, 20050802}));
+    EXPECT_TRUE(QFileInfo::exists(folder.path() + "/brindlemark.lck")) << "kept for the next holder";
+    // A folder that holds no store, opened for writing and left as it was, is left without the file.
+    TempFolder none;
+    writeTextFile(none.path() + "/notes.txt", "mine");
+    SecurityWriter w;
+    w.OpenFolder(none.path());
+    EXPECT_TRUE(QFileInfo::exists(none.path() + "/brindlemark.lck"));
+    w.CloseFolder();
+    EXPECT_EQ(QDir(none.path()).entryList(QDir::Files), QStringList{"notes.txt"});
 }
 
 TEST(StoreWriting, AFailedCloseSaysWhatWasStoredAndLetsGoOfTheFolder) {
