@@ -7,6 +7,7 @@
 #include "frame/Platform.h"
 #include "frame/Regional.h"
 #include "store/FolderLock.h"
+#include "store/SecurityReader.h"
 #include "store/SecurityWriter.h"
 
 #include <QFile>
@@ -32,16 +33,38 @@ std::optional<QString> readValuesText(const QString& folder) {
     return line.left(end).trimmed();
 }
 
+// Whether a security of the folder has `day` as its last date.
+bool someSecurityEndsOn(const QString& folder, const QDate& day) {
+    SecurityReader reader;
+    const qint32 wanted = Regional::toStoreDate(day);
+    bool found = false;
+    passOver([&] {
+        reader.OpenFolder(folder);
+        while (!found && reader.GetSecuritiesRemaining() > 0) {
+            reader.NextSecurity();
+            found = reader.GetLastDate() == wanted;
+        }
+    });
+    passOver([&] { reader.CloseFolder(); });
+    return found;
+}
+
 // The date of values.dat. The file holds the user's short date form once a run has rewritten it,
-// and the day-first form of Create New Symbols before that; where the two could differ (a
-// month-first short pattern) the text is taken in the form it is written in.
-std::optional<QDate> valuesDate(const QString& text) {
-    if (const auto date = Regional::readDate(text); date && Regional::dateText(*date) == text)
-        return date;
+// and the day-first form of Create New Symbols before that. Under a month-first short pattern a
+// text such as 11/10/2026 reads both ways; then the folder tells which: Create New Symbols gives
+// its securities the day it wrote as their last date, and a run writes the last day that gave
+// securities records.
+std::optional<QDate> valuesDate(const QString& text, const QString& folder) {
     QString separator = GetDateSeparator();
     if (separator.isEmpty())
         separator = QStringLiteral("/");
     const QDate created = QDate::fromString(text, QStringLiteral("dd%1MM%1yyyy").arg(separator));
+    if (const auto date = Regional::readDate(text); date && Regional::dateText(*date) == text) {
+        if (created.isValid() && created != *date && someSecurityEndsOn(folder, created) &&
+            !someSecurityEndsOn(folder, *date))
+            return created;
+        return date;
+    }
     if (created.isValid())
         return created;
     return Regional::readDate(text);
@@ -85,7 +108,7 @@ void NseDailyRun::BeginDownload(const QString& folderText) {
         return;
     }
     const QString& valuesText = *valuesRead;
-    const std::optional<QDate> held = valuesDate(valuesText);
+    const std::optional<QDate> held = valuesDate(valuesText, folder);
     const auto start = FirstDay.isValid() ? std::optional<QDate>(FirstDay.addDays(-1)) : held;
     if (!start) {
         // Never walk from a date that isn't there.

@@ -76,11 +76,12 @@ TEST_F(NseRun, WalksEveryDayToTodayAndTheNextRunGoesOnFromTheLastDayWithData) {
         server.targets.clear();
         platform_.boxes.clear();
 
-        // 01/10/2026 as Create New Symbols writes it: the 1st of October in every locale.
-        createSymbols({"ABC", "XYZ"}, {2026, 10, 1});
-        serveDay({2026, 10, 2}, bhavRow("ABC", whole(0, 10, 1500)) + bhavRow("XYZ", whole(0, 20, 700)));
-        serveDay({2026, 10, 5}, bhavRow("ABC", whole(0, 11, 1600)));
-        serveDay({2026, 10, 12}, bhavRow("XYZ", whole(0, 21, 800)));
+        // 11/10/2026 as Create New Symbols writes it: the 11th of October in every locale, though a
+        // month-first short date reads the text as 10 November too.
+        createSymbols({"ABC", "XYZ"}, {2026, 10, 11});
+        serveDay({2026, 10, 12}, bhavRow("ABC", whole(0, 10, 1500)) + bhavRow("XYZ", whole(0, 20, 700)));
+        serveDay({2026, 10, 15}, bhavRow("ABC", whole(0, 11, 1600)));
+        serveDay({2026, 10, 22}, bhavRow("XYZ", whole(0, 21, 800)));
         serveDay({2026, 10, 27}, bhavRow("ABC", whole(0, 12, 1700)));
         platform_.todayDate = {2026, 10, 31};
 
@@ -88,16 +89,16 @@ TEST_F(NseRun, WalksEveryDayToTodayAndTheNextRunGoesOnFromTheLastDayWithData) {
         NseDownloaderDialog dlg;
         dlg.beginDownloadButton->click();
 
-        EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 2}, {2026, 10, 31}));
-        EXPECT_EQ(lines(dlg.daysList), QStringList({updated({2026, 10, 2}), updated({2026, 10, 5}),
-                                                    updated({2026, 10, 12}), updated({2026, 10, 27})}));
+        EXPECT_EQ(server.decodedTargets(), paths({2026, 10, 12}, {2026, 10, 31}));
+        EXPECT_EQ(lines(dlg.daysList), QStringList({updated({2026, 10, 12}), updated({2026, 10, 15}),
+                                                    updated({2026, 10, 22}), updated({2026, 10, 27})}));
         EXPECT_EQ(dlg.daysList->currentRow(), 3);
         EXPECT_EQ(platform_.boxTexts(), QStringList({"Download Completed."}));
         expectIdle(dlg);
 
         EXPECT_EQ(readBars(folder, "ABC"),
-                  std::vector<Bar>({whole(20261002, 10, 1500), whole(20261005, 11, 1600), whole(20261027, 12, 1700)}));
-        EXPECT_EQ(readBars(folder, "XYZ"), std::vector<Bar>({whole(20261002, 20, 700), whole(20261012, 21, 800)}));
+                  std::vector<Bar>({whole(20261012, 10, 1500), whole(20261015, 11, 1600), whole(20261027, 12, 1700)}));
+        EXPECT_EQ(readBars(folder, "XYZ"), std::vector<Bar>({whole(20261012, 20, 700), whole(20261022, 21, 800)}));
         // The last day with data, not today: the empty days after it are asked for again.
         EXPECT_EQ(valuesFile(), valuesText({2026, 10, 27}));
 
