@@ -2,7 +2,6 @@
 
 #include "catalogue/CreateSymbols.h"
 #include "download/BhavCopy.h"
-#include "frame/CommonRoutines.h"
 #include "frame/Failure.h"
 #include "frame/Platform.h"
 #include "frame/Regional.h"
@@ -11,6 +10,7 @@
 #include "store/SecurityWriter.h"
 
 #include <QFile>
+#include <QRegularExpression>
 
 #include <limits>
 #include <optional>
@@ -50,24 +50,40 @@ bool someSecurityEndsOn(const QString& folder, const QDate& day) {
 }
 
 // The date of values.dat. The file holds the user's short date form once a run has rewritten it,
-// and the day-first form of Create New Symbols before that. Under a month-first short pattern a
-// text such as 11/10/2026 reads both ways; then the folder tells which: Create New Symbols gives
-// its securities the day it wrote as their last date, and a run writes the last day that gave
-// securities records.
+// and the day-first form of Create New Symbols before that, each as the regional settings stood
+// when it was written. So the text is read in the ways it can have been written: the short form
+// of today's settings, day first (with whatever separator it has), under today's settings, month
+// first, year first. Where these give more than one day (11/10/2026 under a month-first pattern,
+// a file written under other settings), the folder tells which: Create New Symbols gives its
+// securities the day it wrote as their last date, and a run writes the last day that gave
+// securities records. Otherwise the first reading holds.
 std::optional<QDate> valuesDate(const QString& text, const QString& folder) {
-    QString separator = GetDateSeparator();
-    if (separator.isEmpty())
-        separator = QStringLiteral("/");
-    const QDate created = QDate::fromString(text, QStringLiteral("dd%1MM%1yyyy").arg(separator));
-    if (const auto date = Regional::readDate(text); date && Regional::dateText(*date) == text) {
-        if (created.isValid() && created != *date && someSecurityEndsOn(folder, created) &&
-            !someSecurityEndsOn(folder, *date))
-            return created;
-        return date;
-    }
-    if (created.isValid())
-        return created;
-    return Regional::readDate(text);
+    QList<QDate> readings;
+    auto add = [&](const QDate& date) {
+        if (date.isValid() && !readings.contains(date))
+            readings.append(date);
+    };
+    const auto local = Regional::readDate(text);
+    if (local && Regional::dateText(*local) == text)
+        add(*local);
+    static const QRegularExpression numeric(QStringLiteral("^(\\d{1,4})[^\\d]+(\\d{1,2})[^\\d]+(\\d{1,4})[^\\d]*$"));
+    const QRegularExpressionMatch m = numeric.match(text);
+    const auto field = [&](int i) { return m.captured(i).toInt(); };
+    if (m.hasMatch() && m.captured(3).size() == 4)
+        add(QDate(field(3), field(2), field(1)));   // day first, as Create New Symbols writes it
+    if (local)
+        add(*local);
+    if (m.hasMatch() && m.captured(3).size() == 4)
+        add(QDate(field(3), field(1), field(2)));   // month first
+    if (m.hasMatch() && m.captured(1).size() == 4)
+        add(QDate(field(1), field(2), field(3)));   // year first
+    if (readings.size() > 1)
+        for (const QDate& date : readings)
+            if (someSecurityEndsOn(folder, date))
+                return date;
+    if (readings.isEmpty())
+        return std::nullopt;
+    return readings.first();
 }
 
 } // namespace

@@ -185,6 +185,8 @@ std::optional<QDate> readByFields(const QString& text) {
     QString order = fieldOrder();
     if (numbers[0].size() == 4)   // a leading four-digit year: year, month, day
         order = QStringLiteral("ymd");
+    else if (numbers[2].size() == 4 && order.startsWith(u'y'))   // a trailing one under a year-first pattern
+        order = order.mid(1) + u'y';
     int day = 0, month = 0, year = 0;
     qsizetype yearDigits = 0;
     for (int i = 0; i < 3; ++i) {

@@ -114,6 +114,36 @@ TEST_F(NseRun, WalksEveryDayToTodayAndTheNextRunGoesOnFromTheLastDayWithData) {
     }
 }
 
+// values.dat written under other regional settings than today's: by Create New Symbols, or by a run
+// whose last day with data the security ends on. The walk starts on the day after the day meant.
+TEST_F(NseRun, AValuesFileWrittenUnderOtherSettingsNamesTheSameDay) {
+    const struct { const char* written; const char* read; bool byCreate; } cases[] = {
+        {"de_DE", "en_US", true}, {"de_DE", "ja_JP", true}, {"en_US", "de_DE", false}, {"ja_JP", "en_GB", false}};
+    const QDate day{2025, 8, 6};
+    platform_.todayDate = day.addDays(3);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.written) + " read under " + c.read);
+        TempFolder own;
+        folder = own.sub("nse");
+        server.targets.clear();
+        platform_.boxes.clear();
+        {
+            LocaleGuard written(c.written);
+            if (c.byCreate) {
+                createSymbols({"ABC"}, day);
+            } else {
+                makeSecurity(folder, "ABC", "ABC", {whole(Regional::toStoreDate(day), 10, 100)});
+                writeTextFile(CreateSymbols::ValuesFilePath(folder), valuesText(day));
+            }
+        }
+        LocaleGuard read(c.read);
+        NseDownloaderDialog dlg;
+        dlg.folderEdit->setText(folder);
+        dlg.beginDownloadButton->click();
+        EXPECT_EQ(server.decodedTargets(), paths(day.addDays(1), day.addDays(3)));
+    }
+}
+
 // STOP is looked at only after a day with data, the close box after the day in hand, which then
 // closes the screen; values.dat names the last day written, and a stop is spent when the run is over.
 TEST_F(NseRun, StopAndCloseEndTheRunBetweenDays) {

@@ -39,8 +39,9 @@ TEST(DateToText, FollowsThePatternOfTheRegionalSettingsAndReadsBack) {
 
 TEST(ReadDate, ReadsDatesAsUsersTypeThem) {
     const struct { const char* locale; const char* text; const char* expected; } cases[] = {  // ISO, or nullptr: no date
-        // The short pattern, with any separator.
+        // The short pattern, with any separator; a year written last under a year-first pattern.
         {"en_GB", " 6-8-2005 ", "2005-08-06"}, {"en_US", "8/6/05", "2005-08-06"}, {"de_DE", "06.08.05", "2005-08-06"}, {"ja_JP", "2005/08/06", "2005-08-06"},
+        {"ja_JP", "01/12/2004", "2004-01-12"}, {"hu_HU", "01/01/2004", "2004-01-01"},
         // The long form.
         {"en_US", "Saturday, August 6, 2005", "2005-08-06"}, {"de_DE", "Samstag, 6. August 2005", "2005-08-06"}, {"ja_JP", "2005年8月6日", "2005-08-06"},
         // ISO, and a month named in the locale's language or in English, in full or short.
