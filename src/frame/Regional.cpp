@@ -337,6 +337,18 @@ std::optional<double> NumberReader::read(QStringView input) const {
     }
     bool ok = false;
     value = locale_->toDouble(text, &ok);   // group separators, exponents
+    if (!ok) {
+        // Where the group separator is a kind of blank, any of the blanks people type serves.
+        const QString group = locale_->groupSeparator();
+        const auto isBlank = [](QChar c) { return c == u' ' || c == QChar(0x00A0) || c == QChar(0x202F); };
+        if (group.size() == 1 && isBlank(group.at(0))) {
+            QString regrouped = text.toString();
+            for (QChar& c : regrouped)
+                if (isBlank(c))
+                    c = group.at(0);
+            value = locale_->toDouble(regrouped, &ok);
+        }
+    }
     if (!ok || !std::isfinite(value))
         return std::nullopt;
     return value;

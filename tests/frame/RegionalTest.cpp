@@ -65,7 +65,9 @@ TEST(ReadNumber, ReadsNumbersWithTheLocalesSeparators) {
         {"en_GB", "12.5", 12.5}, {"en_GB", " 7 ", 7.0}, {"en_GB", "-3.25", -3.25}, {"en_GB", "+5", 5.0}, {"en_GB", "1,234.5", 1234.5},
         {"en_GB", "1e3", 1000.0}, {"en_GB", "98765.4321", 98765.4321}, {"en_GB", "", {}}, {"en_GB", "abc", {}}, {"en_GB", "12.5.1", {}},
         {"en_GB", "1e999", {}}, {"en_GB", "-", {}}, {"en_GB", ".", {}}, {"en_GB", "12,5", {}},  // a misplaced group separator
-        {"de_DE", "12,5", 12.5}, {"de_DE", "1.234,5", 1234.5}, {"de_DE", "-0,75", -0.75}, {"de_DE", "12,5,1", {}}, {"de_DE", "zwölf", {}}};
+        {"de_DE", "12,5", 12.5}, {"de_DE", "1.234,5", 1234.5}, {"de_DE", "-0,75", -0.75}, {"de_DE", "12,5,1", {}}, {"de_DE", "zwölf", {}},
+        // A blank for a group separator: whichever blank is typed.
+        {"fr_FR", "1\u00A0234,5", 1234.5}, {"fr_FR", "1\u202F234,5", 1234.5}, {"hu_HU", "1\u202F234,5", 1234.5}, {"fr_FR", "1\u00A02,5", {}}};
     for (const auto& c : cases) {
         LocaleGuard locale(QString::fromLatin1(c.locale));
         EXPECT_EQ(Regional::readNumber(QString::fromUtf8(c.text)), c.expected) << c.locale << " \"" << c.text << "\"";
