@@ -19,6 +19,7 @@
 #include <QSet>
 #include <QTimer>
 
+#include <algorithm>
 #include <csignal>
 #include <list>
 #include <optional>
@@ -54,7 +55,11 @@ public:
         const qsizetype colon = line.indexOf(QLatin1String(" : "));
         const QString outcome = line.left(colon);
         const QString symbol = line.mid(colon + 3);
-        if (outcome == QLatin1String("Download Complete")) {
+        if (run && !run->ItemFailure.isEmpty()) {
+            // The window passes over a step that failed; here it is the security's result.
+            err_ << symbol << ": " << run->ItemFailure << '\n';
+            ++failed;
+        } else if (outcome == QLatin1String("Download Complete")) {
             out_ << symbol << ' ' << (run ? run->DaysStored : 0) << " records\n";
             ++done;
         } else if (outcome == QLatin1String("Upto Date")) {
@@ -145,7 +150,8 @@ int downloadQuotes(const QStringList& folders, const QStringList& symbols, QText
             status = 1;
         }
     }
-    for (const QString& s : wanted - found) {
+    const QSet<QString> missing = wanted - found;
+    for (const QString& s : missing) {
         err << s << ": not in the folders given\n";
         status = 1;
     }
@@ -161,9 +167,17 @@ int downloadQuotes(const QStringList& folders, const QStringList& symbols, QText
     if (handOvers().DownloadItems.upperBound() > 0)
         run.RunDownload();
 
+    int notReached = 0;
+    if (!run.EndedBy.isEmpty()) {
+        const int at = run.ItemIndex;
+        notReached = handOvers().DownloadItems.upperBound() - std::max(at, 1) + 1;
+        err << (at >= 1 && at <= handOvers().DownloadItems.upperBound() ? handOvers().DownloadItems[at].Symbol + QStringLiteral(": ") : QString())
+            << run.EndedBy << "; the run ended there\n";
+        status = 1;
+    }
     const bool stopped = stopAsked || run.CancelRequested;
     out << listener.done << " downloaded, " << listener.upToDate << " up to date, " << listener.noData
-        << " without data, " << listener.failed + undated.size() << " failed\n";
+        << " without data, " << listener.failed + undated.size() + missing.size() + notReached << " failed\n";
     if (listener.failed > 0)
         status = 1;
     if (stopped) {

@@ -68,7 +68,14 @@ bool DownloadRun::step(Step&& action) {
         std::forward<Step>(action)();
         return true;
     }
-    return passOver(std::forward<Step>(action));
+    try {
+        std::forward<Step>(action)();
+        return true;
+    } catch (const Failure& failure) {
+        if (ItemFailure.isEmpty())
+            ItemFailure = failure.Description;
+        return false;
+    }
 }
 
 void DownloadRun::RunDownload() {
@@ -92,6 +99,7 @@ void DownloadRun::RunDownload() {
         // A failure before the first fetch: the user reads why, then the run ends as any other.
         locks.clear();
         MsgBox(failure.Description, MsgIcon::Critical);
+        EndedBy = failure.Description;
         refused = true;
     }
     try {
@@ -106,8 +114,9 @@ void DownloadRun::RunDownload() {
             release();
             listener_.captionChanged(QStringLiteral("Download Completed. / "));
         }
-    } catch (const Failure&) {
+    } catch (const Failure& failure) {
         // A failure before the first fetch ends the run at once.
+        EndedBy = failure.Description;
         release();
     }
 
@@ -123,6 +132,7 @@ void DownloadRun::RunDownload() {
 void DownloadRun::handleItem(int index, int count) {
     const DownloadItem item = handOvers().DownloadItems[index];
     ItemIndex = static_cast<qint16>(index);
+    ItemFailure.clear();
 
     step([&] { listener_.itemStarted(index, count, item.Symbol, completedCount, upToDateCount, noDataCount); });
 

@@ -56,6 +56,11 @@ public:
     qint16 RecordIndex = 0;
     // The days of the security in hand that the store took from the reply, each counted once.
     int DaysStored = 0;
+    // What went wrong, for a caller that reports more than the window's lines: the first step of
+    // the security in hand that failed and was passed over, and the failure that ended the run
+    // before its first fetch. Empty when none.
+    QString ItemFailure;
+    QString EndedBy;
 
 private:
     void handleItem(int index, int count);

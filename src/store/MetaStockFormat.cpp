@@ -15,7 +15,6 @@ namespace metastock {
 namespace {
 
 constexpr unsigned char XmasterMagic[4] = {0x5D, 0xFE, 0x58, 0x4D};
-constexpr qint32 NoDateMarker = 19000101;  // what the vendor writes for "no date"
 const char Copyright[] = "Brindlemark v6 data store";
 
 [[noreturn]] void corrupt(const QString& file, const QString& what) {

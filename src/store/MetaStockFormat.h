@@ -22,6 +22,8 @@ qint32 storeDateFromYyymmdd(double yyymmdd);
 double yyymmddFromStoreDate(qint32 storeDate);
 // A store date that names a real day (19000101..29991231).
 bool isValidStoreDate(qint32 storeDate);
+// What the vendor writes in an index for "no date": as a first or last date it reads as none.
+inline constexpr qint32 NoDateMarker = 19000101;
 
 // Which values a data record holds, in file order: date, [time], [open], high, low, close,
 // [volume], [open interest].

@@ -538,7 +538,9 @@ void SecurityWriter::AddQuote(qint32 storeDate, qint32 mark, double open, double
 
 void SecurityWriter::CloseFolder() { d->closeFolder(); }
 
-bool SecurityWriter::CanHoldDate(qint32 storeDate) { return isValidStoreDate(storeDate); }
+bool SecurityWriter::CanHoldDate(qint32 storeDate) { return isValidStoreDate(storeDate) && storeDate != NoDateMarker; }
+
+void SecurityWriter::CheckSymbol(const QString& symbol) { checkedSymbol(Folder{}, symbol, -1, "CreateSecurity"); }
 
 namespace {
 Folder openForWriting(const QString& folderPath) {

@@ -45,8 +45,12 @@ public:
     void CloseSecurity();
     bool DateExists(const QString& storeDateText);
     void SaveQuotes();
-    // Whether a record of this store date can be stored: a real day of the years 1900 to 2999.
+    // Whether a security can start on this store date: a real day of the years 1900 to 2999, but
+    // not 1 January 1900, which an index takes for no date.
     static bool CanHoldDate(qint32 storeDate);
+    // Raises the refusal CreateSecurity would give for this symbol in a folder that holds no
+    // other security of it (none, too long, a character the store cannot hold).
+    static void CheckSymbol(const QString& symbol);
 
 private:
     struct Impl;

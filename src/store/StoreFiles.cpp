@@ -231,7 +231,17 @@ QByteArray readAll(const QString& path, qint64 maxSize) {
 
 bool isReadOnly(const QString& path) {
     const QFileInfo info(path);
-    return info.exists() && !(info.permissions() & QFileDevice::WriteOwner);
+    if (!info.exists())
+        return false;
+    if (!(info.permissions() & QFileDevice::WriteOwner))
+        return true;   // marked read-only, whoever asks
+#ifdef Q_OS_UNIX
+    // Another user's file this user may not write in place: what would be written beside it
+    // could not be kept consistent with it.
+    return ::access(QFile::encodeName(path).constData(), W_OK) != 0;
+#else
+    return !info.isWritable();
+#endif
 }
 
 void requireWritable(const QString& path) {

@@ -71,6 +71,27 @@ TEST_F(CliDownload, UsageFailuresAndAStopAfterTheSecurityInHand) {
     EXPECT_TRUE(StoreCheck::checkFolder(a).empty());
 }
 
+// What the window passes over is a failure here: a data file the store may not write, and a folder
+// whose index it may not write, which ends the run before anything is fetched.
+TEST_F(CliDownload, AStoreThatRefusesTheWriteIsAFailureNamedOnStandardError) {
+    const QString a = temp.sub("a");
+    makeSecurity(a, "AAA.NS", "Alpha", {bar(20261110, 10)});
+    makeSecurity(a, "BBB.NS", "Beta", {bar(20261110, 20)});
+    replies.insert("AAA.NS", LoopbackReply::ok(Header + line(bar(20261111, 11))));
+    replies.insert("BBB.NS", LoopbackReply::ok(Header + line(bar(20261111, 21))));
+    ASSERT_TRUE(QFile::setPermissions(a + "/F1.DAT", QFile::ReadOwner));
+    EXPECT_EQ(run({"download", "quotes", a}), 1);
+    EXPECT_EQ(last.out, (QStringList{"BBB.NS 1 records", "1 downloaded, 0 up to date, 0 without data, 1 failed"}));
+    EXPECT_TRUE(last.err.startsWith("AAA.NS: ") && last.err.contains("read-only")) << last.err.toStdString();
+    EXPECT_EQ(readBars(a, "AAA.NS"), (std::vector<Bar>{bar(20261110, 10)}));
+
+    ASSERT_TRUE(QFile::setPermissions(a + "/MASTER", QFile::ReadOwner));
+    EXPECT_EQ(run({"download", "quotes", a}), 1);
+    EXPECT_TRUE(last.err.contains("AAA.NS: ") && last.err.contains("MASTER is read-only") && last.err.contains("the run ended there"))
+        << last.err.toStdString();
+    EXPECT_EQ(last.out, QStringList{"0 downloaded, 0 up to date, 0 without data, 2 failed"});
+}
+
 TEST_F(CliDownload, AFolderAnotherRunIsWritingIsRefusedAndNothingIsAsked) {
     const QString a = temp.sub("a");
     makeSecurity(a, "AAA.NS", "Alpha", {bar(20261110, 10)});
