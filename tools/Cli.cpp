@@ -44,6 +44,14 @@ qint32 storeDateOf(const QString& text) {
     return metastock::isValidStoreDate(date) ? date : 0;
 }
 
+// Every argument that looks like an option is one of `known`: a misspelt option is bad usage, not
+// a folder or a symbol to work on.
+void onlyOptions(const QStringList& arguments, const QStringList& known = {}) {
+    for (const QString& a : arguments)
+        if (a.startsWith(QLatin1Char('-')) && a.size() > 1 && !known.contains(a))
+            throw Usage{QStringLiteral("unknown option \"%1\"").arg(a)};
+}
+
 qint32 dateArgument(const QString& text) {
     const qint32 date = storeDateOf(text);
     if (date == 0)
@@ -90,6 +98,11 @@ int dump(const QString& folder, const QString& symbol, QTextStream& out) {
 }
 
 int create(const QString& folder, qint32 from, const QStringList& symbols) {
+    // Every symbol is checked before any security is replaced.
+    for (const QString& symbol : symbols)
+        SecurityWriter::CheckSymbol(symbol);
+    if (!SecurityWriter::CanHoldDate(from))
+        throw Usage{QStringLiteral("a security cannot start on %1: an index takes that day for no date").arg(from)};
     SecurityWriter writer;
     writer.OpenFolder(folder);
     const QString fromText = QString::number(from);
@@ -121,12 +134,15 @@ int import(const QString& folder, const QString& symbol, const QString& fileName
     }
     std::vector<Row> rows;
     int lineNumber = 0;
-    while (!file.atEnd()) {
-        const QString line = QString::fromUtf8(file.readLine()).trimmed();
+    bool header = false;
+    // Read up to the end of the file; a pipe has its lines when they come.
+    for (QByteArray bytes = file.readLine(); !bytes.isEmpty(); bytes = file.readLine()) {
+        const QString line = QString::fromUtf8(bytes).trimmed();
         ++lineNumber;
-        if (line.isEmpty())
+        if (line.isEmpty() && lineNumber > 1)
             continue;
         if (lineNumber == 1) {
+            header = true;
             if (QString(line).remove(QLatin1Char(' ')).compare(Header, Qt::CaseInsensitive) != 0) {
                 err << fileName << ": the first line must be " << Header << '\n';
                 return 1;
@@ -148,6 +164,10 @@ int import(const QString& folder, const QString& symbol, const QString& fileName
         }
         rows.push_back(row);
     }
+    if (!header) {
+        err << fileName << ": the file is empty; its first line must be " << Header << '\n';
+        return 1;
+    }
     SecurityWriter writer;
     writer.OpenFolder(folder);
     writer.OpenSecurity(symbol);
@@ -166,8 +186,9 @@ int check(const QString& folder, QTextStream& out) {
         out << (f.problem ? "problem: " : "note: ") << f.text << '\n';
         problems += f.problem ? 1 : 0;
     }
-    out << (problems == 0 ? QStringLiteral("No inconsistency found.")
-                          : QStringLiteral("%1 inconsistencies found.").arg(problems))
+    out << (problems == 0   ? QStringLiteral("No inconsistency found.")
+            : problems == 1 ? QStringLiteral("1 inconsistency found.")
+                            : QStringLiteral("%1 inconsistencies found.").arg(problems))
         << '\n';
     return problems == 0 ? 0 : 1;
 }
@@ -225,6 +246,7 @@ namespace {
 // The download commands, with --source taken out already.
 int download(const QStringList& rest, QTextStream& out, QTextStream& err, bool progressOnTerminal) {
     if (rest.value(0) == QLatin1String("bhavcopy")) {
+        onlyOptions(rest, {QStringLiteral("--from"), QStringLiteral("--to")});
         QStringList folders;
         QDate from, to;
         for (int i = 1; i < rest.size(); ++i) {
@@ -243,12 +265,14 @@ int download(const QStringList& rest, QTextStream& out, QTextStream& err, bool p
         return downloadBhavCopies(folders[0], from, to, out, err);
     }
     if (rest.value(0) == QLatin1String("index")) {
+        onlyOptions(rest);
         if (rest.size() != 2)
             throw Usage{QStringLiteral("download index takes one folder")};
         return downloadIndex(rest[1], out, err);
     }
     if (rest.value(0) != QLatin1String("quotes"))
         throw Usage{QStringLiteral("download takes: quotes, bhavcopy or index")};
+    onlyOptions(rest, {QStringLiteral("--symbols")});
     QStringList folders, symbols;
     for (int i = 1; i < rest.size(); ++i) {
         if (rest[i] == QLatin1String("--symbols")) {
@@ -289,31 +313,37 @@ int runCli(const QStringList& arguments, QTextStream& out, QTextStream& err, boo
             return 0;
         }
         if (command == QLatin1String("list")) {
+            onlyOptions(rest);
             if (rest.size() != 1)
                 throw Usage{QStringLiteral("list takes one folder")};
             return list(rest[0], out);
         }
         if (command == QLatin1String("dump")) {
+            onlyOptions(rest);
             if (rest.size() != 2)
                 throw Usage{QStringLiteral("dump takes a folder and a symbol")};
             return dump(rest[0], rest[1], out);
         }
         if (command == QLatin1String("create")) {
+            onlyOptions(rest, {QStringLiteral("--from")});
             if (rest.size() < 4 || rest[1] != QLatin1String("--from"))
                 throw Usage{QStringLiteral("create takes a folder, --from YYYYMMDD and one or more symbols")};
             return create(rest[0], dateArgument(rest[2]), rest.mid(3));
         }
         if (command == QLatin1String("import")) {
+            onlyOptions(rest);
             if (rest.size() != 3)
                 throw Usage{QStringLiteral("import takes a folder, a symbol and a file")};
             return import(rest[0], rest[1], rest[2], err);
         }
         if (command == QLatin1String("check")) {
+            onlyOptions(rest);
             if (rest.size() != 1)
                 throw Usage{QStringLiteral("check takes one folder")};
             return check(rest[0], out);
         }
         if (command == QLatin1String("export")) {
+            onlyOptions(rest, {QStringLiteral("--merge"), QStringLiteral("--iso"), QStringLiteral("--symbols")});
             QStringList places, symbols;
             bool merge = false, iso = false;
             for (int i = 0; i < rest.size(); ++i) {

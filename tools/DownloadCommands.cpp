@@ -16,6 +16,7 @@
 #include "store/SecurityReader.h"
 
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QSet>
 #include <QTimer>
 
@@ -120,6 +121,8 @@ void addItems(const QString& folder, const QSet<QString>& wanted, QSet<QString>&
     reader.CloseFolder();
 }
 
+QString daysWithData(int days) { return QStringLiteral("%1 %2 with data").arg(days).arg(days == 1 ? "day" : "days"); }
+
 } // namespace
 
 void requestStop() { stopAsked = 1; }
@@ -220,6 +223,12 @@ int downloadBhavCopies(const QString& folder, const QDate& from, const QDate& to
         setPlatform(&console);
     stopAsked = 0;
 
+    if (!QFileInfo(folder).isDir()) {
+        err << "The folder " << folder << " does not exist.\n";
+        if (ownPlatform)
+            setPlatform(nullptr);
+        return 1;
+    }
     std::optional<FolderLock> lock;
     try {
         lock.emplace(folder, "brindlemark-cli", "download");
@@ -248,7 +257,7 @@ int downloadBhavCopies(const QString& folder, const QDate& from, const QDate& to
     watch.stop();
 
     int status = lines.walked && run.FetchFailure.isEmpty() ? 0 : 1;
-    out << lines.days << " days with data\n";
+    out << daysWithData(lines.days) << '\n';
     if (stopAsked) {
         err << "Stopped after the day in hand; nothing is half written.\n";
         status = 130;
@@ -297,7 +306,7 @@ int downloadIndex(const QString& folder, QTextStream& out, QTextStream& err) {
         });
         watch.start();
         try {
-            out << run.Run(folder) << " days with data\n";
+            out << daysWithData(run.Run(folder)) << '\n';
         } catch (const Failure& failure) {
             err << failure.Description << '\n';
             status = 1;

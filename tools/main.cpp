@@ -21,11 +21,18 @@ int main(int argc, char** argv) {
     QTextStream err(stderr);
     QStringList arguments = QCoreApplication::arguments();
     arguments.removeFirst();
-    // Ctrl+C asks a run to stop after the security in hand.
-    std::signal(SIGINT, [](int) { requestStop(); });
+    // Ctrl+C asks a download to stop after the security or day in hand; any other command it ends
+    // at once, as the store's writes are whole or not there.
+    if (arguments.value(0) == QLatin1String("download"))
+        std::signal(SIGINT, [](int) { requestStop(); });
     const bool terminal = isatty(STDOUT_FILENO) && isatty(STDERR_FILENO);
-    const int status = runCli(arguments, out, err, terminal);
+    int status = runCli(arguments, out, err, terminal);
     out.flush();
+    if (out.status() != QTextStream::Ok || std::fflush(stdout) != 0 || std::ferror(stdout)) {
+        // A full disk or a closed pipe: what was asked for did not all arrive.
+        err << "brindlemark-cli: the output could not be written whole\n";
+        status = status == 0 ? 1 : status;
+    }
     err.flush();
     return status;
 }

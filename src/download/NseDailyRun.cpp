@@ -118,13 +118,13 @@ void NseDailyRun::BeginDownload(const QString& folderText) {
     };
 
     const std::optional<QString> valuesRead = readValuesText(folder);
-    if (!valuesRead) {
+    if (!valuesRead && !FirstDay.isValid()) {
         MsgBox(QStringLiteral("NO Metastock Data Files Found in the Selected Directory."), MsgIcon::Information);
         backToIdle();
         return;
     }
-    const QString& valuesText = *valuesRead;
-    const std::optional<QDate> held = valuesDate(valuesText, folder);
+    const QString valuesText = valuesRead.value_or(QString());
+    const std::optional<QDate> held = valuesRead ? valuesDate(valuesText, folder) : std::nullopt;
     const auto start = FirstDay.isValid() ? std::optional<QDate>(FirstDay.addDays(-1)) : held;
     if (!start) {
         // Never walk from a date that isn't there.
@@ -161,7 +161,7 @@ void NseDailyRun::BeginDownload(const QString& folderText) {
     backToIdle();
     listener_.walkEnded();
     if (!FetchFailure.isEmpty()) {
-        MsgBox(FetchFailure + QStringLiteral("\nThe next download starts from that day."), MsgIcon::Warning);
+        MsgBox(FetchFailure + QStringLiteral("\nThe next download asks for that day again."), MsgIcon::Warning);
         return;
     }
     MsgBox(QStringLiteral("Download Completed."), MsgIcon::Information);

@@ -52,8 +52,8 @@ std::optional<QList<IndexClose>> fetchDay(Inet& connection, const QString& addre
         body = connection.OpenURLBytes(url, headers);
     } catch (const Failure& failure) {
         throw Failure(failure.Number,
-                      QStringLiteral("The index closes of %1 could not be fetched: %2\nThe next download starts "
-                                     "from that day.")
+                      QStringLiteral("The index closes of %1 could not be fetched: %2\nThe next download asks "
+                                     "for that day again.")
                           .arg(Regional::dateText(day), failure.Description),
                       Source);
     }
@@ -63,7 +63,7 @@ std::optional<QList<IndexClose>> fetchDay(Inet& connection, const QString& addre
     if (status != 200)
         throw Failure(FailureNumber::Network,
                       QStringLiteral("The exchange answered %1 for the index closes of %2.\nThe next download "
-                                     "starts from that day.")
+                                     "asks for that day again.")
                           .arg(status)
                           .arg(Regional::dateText(day)),
                       Source);

@@ -126,12 +126,14 @@ std::vector<Finding> checkFolder(const QString& folderPath) {
     }
     static const QRegularExpression dataName(QStringLiteral("^F[0-9]+\\.(DAT|MWD)$"),
                                              QRegularExpression::CaseInsensitiveOption);
-    const QStringList entries = QDir(folder.path).entryList(QDir::Files, QDir::Name);
+    const QStringList entries = QDir(folder.path).entryList(QDir::Files | QDir::Hidden, QDir::Name);
     for (const QString& name : entries) {
         if (dataName.match(name).hasMatch() && !listed.contains(name.toUpper()))
             note(out, QStringLiteral("%1: no security of the index uses this file").arg(name));
         else if (name.endsWith(QLatin1String(StoreFiles::TemporarySuffix), Qt::CaseInsensitive))
             note(out, QStringLiteral("%1: a temporary file left by a write that did not finish").arg(name));
+        else if (name.startsWith(QLatin1String(".bm-")) && name.endsWith(QLatin1String(".part")))
+            note(out, QStringLiteral("%1: a temporary file left by an unpacking that did not finish").arg(name));
     }
     return out;
 }

@@ -180,7 +180,7 @@ TEST_F(IndexWalk, TheCommandLineBringsTheFolderUpToDate) {
                                         "India VIX,04-11-2024,3,4,2,3.5,0,0,-,-,-,-,-\n");
     const CliRun r = cli({"download", "index", folder});
     EXPECT_EQ(r.status, 0) << r.err.toStdString();
-    EXPECT_EQ(r.out, (QStringList{"04/11/2024 Updated: 2 indices.", "1 days with data"}));
+    EXPECT_EQ(r.out, (QStringList{"04/11/2024 Updated: 2 indices.", "1 day with data"}));
     EXPECT_EQ(server.targets.first(), "/content/indices/ind_close_all_02112024.csv");
     EXPECT_EQ(server.targets.size(), 4);
     EXPECT_EQ(readBars(folder, "N50"), (std::vector<Bar>{bar(20241101, 100), {20241104, 1, 2, 0.5, 1.5, 10}}));

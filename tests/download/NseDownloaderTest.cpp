@@ -346,21 +346,26 @@ TEST_F(NseRun, CommandLineWalksBetweenTheDaysGivenAndKeepsValuesAsTheScreenDoes)
     serveDay({2026, 11, 5}, bhavRow("XYZ", whole(0, 20, 700)));
     CliRun r = cli({"download", "bhavcopy", folder, "--to", "20261104"});
     ASSERT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, (QStringList{updated({2026, 11, 3}), "1 days with data"}));
+    EXPECT_EQ(r.out, (QStringList{updated({2026, 11, 3}), "1 day with data"}));
     EXPECT_EQ(server.targets.size(), 2);
     EXPECT_EQ(valuesFile(), valuesText({2026, 11, 3}));
     EXPECT_EQ(readBars(folder, "ABC"), (std::vector<Bar>{whole(20261103, 10, 1500)}));
 
     r = cli({"download", "bhavcopy", folder, "--from", "20261105", "--to", "20261105"});
     ASSERT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, (QStringList{updated({2026, 11, 5}), "1 days with data"}));
+    EXPECT_EQ(r.out, (QStringList{updated({2026, 11, 5}), "1 day with data"}));
     // Filling in a day before the one values.dat names leaves it where the folder stands.
     ASSERT_EQ(cli({"download", "bhavcopy", folder, "--from", "20261103", "--to", "20261103"}).status, 0);
+    EXPECT_EQ(valuesFile(), valuesText({2026, 11, 5}));
+    // --from needs no values.dat, and the walk writes one.
+    QFile::remove(CreateSymbols::ValuesFilePath(folder));
+    EXPECT_EQ(cli({"download", "bhavcopy", folder, "--from", "20261105", "--to", "20261105"}).status, 0);
     EXPECT_EQ(valuesFile(), valuesText({2026, 11, 5}));
 
     EXPECT_EQ(cli({"download", "bhavcopy"}).status, 2);
     EXPECT_EQ(cli({"download", "bhavcopy", folder, "--from", "2026"}).status, 2);
-    EXPECT_EQ(cli({"download", "bhavcopy", temp.path() + "/no-store"}).status, 1);
+    r = cli({"download", "bhavcopy", temp.path() + "/nowhere"});
+    EXPECT_TRUE(r.status == 1 && r.err.contains("/nowhere does not exist")) << r.err.toStdString();
 }
 
 } // namespace

@@ -127,7 +127,7 @@ TEST_F(TodayNseRun, ADayNotFetchedIsAskedForAgain) {
     EXPECT_EQ(server.targets.size(), 3);   // the weekend, then the Monday that failed
     EXPECT_EQ(platform_.boxTexts().value(0).toStdString(),
               "The exchange answered 503 for the bhav copy of " + Regional::dateText({2024, 11, 4}).toStdString() +
-                  ".\nThe next download starts from that day.");
+                  ".\nThe next download asks for that day again.");
     EXPECT_TRUE(readBars(folder, "ABC").empty());
 
     days["/content/cm/BhavCopy_NSE_CM_0_0_0_20241104_F_0000.csv.zip"] = LoopbackReply::ok(day);

@@ -41,7 +41,10 @@ TEST(Cli, HelpAndBadUsage) {
     for (const char* word : {"list", "dump", "create", "import", "check"})
         EXPECT_TRUE(help.out.contains(QString::fromLatin1(word))) << word;
     const QStringList bad[] = {{}, {"frobnicate"}, {"list"}, {"dump", "/tmp"}, {"create", "/tmp", "AAA"}, {"create", "/tmp", "--from", "20050231", "A"},
-                               {"create", "/tmp", "--from", "2005-08-06", "A"}, {"import", "/tmp", "A"}, {"check"}};
+                               {"create", "/tmp", "--from", "2005-08-06", "A"}, {"import", "/tmp", "A"}, {"check"},
+                               // A misspelt option is no folder or symbol; nor is a day an index takes for none.
+                               {"list", "--help"}, {"download", "quotes", "/tmp", "--symbol", "A"}, {"export", "/tmp", "/tmp", "--merged"},
+                               {"create", "/tmp", "--from", "19000101", "A"}};
     for (const QStringList& args : bad) {
         const CliRun r = inProcess(args);
         EXPECT_TRUE(r.status == 2 && !r.err.isEmpty() && r.out.isEmpty()) << args.join(u' ').toStdString();
@@ -90,19 +93,36 @@ TEST(Cli, CreateImportDumpAndCheck) {
     // Names with commas and quotes are quoted in the list.
     writeFolder(folder.path(), [](SecurityWriter& w) { w.ChangeSecurity(QStringLiteral("INFY"), QStringLiteral("Smith, Jones \"and\" Co"), QStringLiteral("INFY")); });
     EXPECT_TRUE(inProcess({"list", folder.path()}).out.contains(QStringLiteral("INFY,\"Smith, Jones \"\"and\"\" Co\",F1,")));
+    // A symbol the store refuses leaves every other one as it was, the one before it too.
+    const QString listed = inProcess({"list", folder.path()}).out;
+    r = inProcess({"create", folder.path(), "--from", "20060102", "INFY", "NEW", "\u65E5\u672C"});
+    EXPECT_TRUE(r.status == 1 && r.err.contains("cannot hold")) << r.err.toStdString();
+    EXPECT_EQ(inProcess({"list", folder.path()}).out, listed);
     // A bad file is refused, and nothing of it is written.
     const QByteArray before = readFileBytes(folder.file(QStringLiteral("F1.DAT")));
-    for (const char* rows : {"Date;Open;High;Low;Close;Volume\n20050808,1,1,1,1,1\n", "20050808,1,1,1,1,1\n20050809,1,1,1,1\n", "20050832,1,1,1,1,1\n",
+    for (const char* rows : {"", "Date;Open;High;Low;Close;Volume\n20050808,1,1,1,1,1\n", "20050808,1,1,1,1,1\n20050809,1,1,1,1\n", "20050832,1,1,1,1,1\n",
                              "20050808,1,one,1,1,1\n", "20050808,1,1,1,1,1\n20050809,1,1,1,1,1\n20050810,1e39,1,1,1,1\n"}) {
-        writeTextFile(folder.file(QStringLiteral("bad.csv")), rows[0] == 'D' ? QByteArray(rows) : DumpHeader.toLatin1() + rows);
+        writeTextFile(folder.file(QStringLiteral("bad.csv")), rows[0] == 'D' || !rows[0] ? QByteArray(rows) : DumpHeader.toLatin1() + rows);
         r = inProcess({"import", folder.path(), "INFY", folder.file(QStringLiteral("bad.csv"))});
         EXPECT_TRUE(r.status == 1 && !r.err.isEmpty()) << rows;
         EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("F1.DAT"))), before);
     }
-    // `check` reports a missing data file.
+    // `check` reports a missing data file, and notes what an unpacking left.
     QFile::remove(folder.file(QStringLiteral("F3.DAT")));
+    writeTextFile(folder.file(QStringLiteral(".bm-Ab12Cd.part")), "half");
     r = inProcess({"check", folder.path()});
     EXPECT_TRUE(r.status == 1 && r.out.contains(QStringLiteral("problem: F3.DAT (TCS): the data file is missing"))) << r.out.toStdString();
+    EXPECT_TRUE(r.out.contains(".bm-Ab12Cd.part: a temporary file left by an unpacking") && r.out.endsWith("\n1 inconsistency found.\n"))
+        << r.out.toStdString();
+    // Whatever the output could not take is a failure.
+    if (!QFile::exists(QStringLiteral("/dev/full")))
+        return;
+    QProcess full;
+    full.setStandardOutputFile(QStringLiteral("/dev/full"));
+    full.start(QStringLiteral(BM_CLI_PATH), {"list", folder.path()});
+    ASSERT_TRUE(full.waitForFinished(30000));
+    EXPECT_EQ(full.exitCode(), 1);
+    EXPECT_TRUE(full.readAllStandardError().contains("could not be written"));
 }
 
 TEST(Cli, CheckReportsEveryInconsistency) {
