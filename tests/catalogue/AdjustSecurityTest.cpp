@@ -142,6 +142,9 @@ TEST_F(Catalogue, ChangeRenamesTheSecurityClickedLastAndDeleteTakesTheTypedSymbo
     QTest::keyRelease(QApplication::focusWidget(), Qt::Key_Tab);
     dialog->securitiesList->setFocus(Qt::TabFocusReason);
     EXPECT_EQ(boxes(), (QStringList{"  Beta Farms ", "BBB", "02/01/2004"}));
+    QTest::keyClick(dialog->securitiesList, Qt::Key_Space);   // selects the line under the cursor: a pick
+    EXPECT_EQ(dialog->nameEdit->text(), "Alpha Mining");
+    clickEntry(dialog->securitiesList, "Beta Farms");
 
     dialog->symbolEdit->setText(" BFM ");
     dialog->changeButton->click();

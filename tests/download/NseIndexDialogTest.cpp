@@ -45,6 +45,8 @@ TEST_F(IndexScreen, TheFolderFieldAndItsSetting) {
     auto* edit = child<QLineEdit>(&dialog, "folderEdit");
     EXPECT_EQ(edit->text(), "/remembered");
     platform.chooseNext(folder);
+    QTest::keyClick(edit, Qt::Key_Return);   // no button answers Enter
+    EXPECT_TRUE(platform.chooserTitles.isEmpty());
     child<QPushButton>(&dialog, "selectFolderButton")->click();
     EXPECT_EQ(platform.chooserTitles, QStringList{"Select folder for Index Data"});
     EXPECT_EQ(edit->text(), folder);

@@ -73,6 +73,12 @@ TEST_F(DataSheet, LongSeriesEndsWithTheNewestRowSelectedAndInView) {
     const QRect last = view->recordsView->visualRect(view->rows()->index(399, 0));
     EXPECT_TRUE(view->recordsView->viewport()->rect().contains(last)) << "the newest row is out of view";
     EXPECT_TRUE(view->recordsView->verticalHeader()->isHidden()) << "no row numbers: the date leads each row";
+    // Tab and Shift+Tab leave the list for the buttons; the row the buttons work on stays.
+    const QModelIndex current = view->recordsView->currentIndex();
+    for (auto modifier : {Qt::NoModifier, Qt::ShiftModifier}) {
+        QTest::keyClick(view->recordsView, Qt::Key_Tab, modifier);
+        EXPECT_EQ(view->recordsView->currentIndex(), current);
+    }
     EXPECT_EQ(view->lastDateEdit->text(), DateToText(series(400).back().date));
     expectControlsLaidOut(view.get());
 }

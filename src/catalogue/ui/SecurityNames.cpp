@@ -37,6 +37,11 @@ public:
             if (keying_ && row >= 0)
                 picked_();
         });
+        // Space (or Ctrl+Space) selects the line under the cursor without moving it: a pick too.
+        connect(list, &QListWidget::itemSelectionChanged, this, [this] {
+            if (keying_ && list_->currentRow() >= 0 && list_->currentItem()->isSelected())
+                picked_();
+        });
     }
 
     bool eventFilter(QObject* watched, QEvent* event) override {

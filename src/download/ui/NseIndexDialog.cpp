@@ -33,6 +33,10 @@ NseIndexDialog::NseIndexDialog(QWidget* parent) : QDialog(parent) {
     startDownloadButton = named(new QPushButton(StartCaption), "startDownloadButton");
     stopButton = named(new QPushButton(QStringLiteral("Stop")), "stopButton");
     stopButton->hide();
+    // No button answers Enter: in the folder field it would open the chooser, whose Cancel
+    // empties the field.
+    for (QPushButton* button : {selectFolderButton, startDownloadButton, stopButton})
+        button->setAutoDefault(false);
     progressLabel = named(new QLabel, "progressLabel");
     progressLabel->hide();
     noteLabel = named(new QLabel(QStringLiteral(

@@ -106,6 +106,7 @@ DataSheetWindow::DataSheetWindow(QWidget* parent) : QWidget(parent), rows_(new S
     recordsView->setShowGrid(false);
     recordsView->setAlternatingRowColors(true);
     recordsView->setWordWrap(false);
+    recordsView->setTabKeyNavigation(false);   // Tab leaves the list for the buttons; the row stays
     recordsView->verticalHeader()->setVisible(false);
     // Every row has the same height, so the view never has to measure 65,000 of them.
     recordsView->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
