@@ -52,6 +52,17 @@ void onlyOptions(const QStringList& arguments, const QStringList& known = {}) {
             throw Usage{QStringLiteral("unknown option \"%1\"").arg(a)};
 }
 
+// The symbols of a --symbols list; a list that names none is bad usage, not "all of them".
+QStringList symbolList(const QString& text) {
+    QStringList symbols;
+    for (const QString& s : text.split(QLatin1Char(',')))
+        if (!s.trimmed().isEmpty())
+            symbols << s.trimmed();
+    if (symbols.isEmpty())
+        throw Usage{QStringLiteral("--symbols takes a list of symbols")};
+    return symbols;
+}
+
 qint32 dateArgument(const QString& text) {
     const qint32 date = storeDateOf(text);
     if (date == 0)
@@ -222,8 +233,9 @@ QString cliUsage() {
         "                                          decimal point whatever the regional settings\n"
         "  download bhavcopy FOLDER [--from YYYYMMDD] [--to YYYYMMDD]\n"
         "                                          the NSE India walk, one request per calendar day from\n"
-        "                                          the day after the date in values.dat (or --from) to\n"
-        "                                          today (or --to); one line per day with data\n"
+        "                                          the day after the date in values.dat (or from the\n"
+        "                                          --from day) to today (or the --to day); one line per\n"
+        "                                          day with data\n"
         "  download index FOLDER                   the NSE India Index folder brought up to date: one\n"
         "                                          request per calendar day from the day after its last\n"
         "                                          date to today (or the archive of an endpoint source\n"
@@ -278,7 +290,7 @@ int download(const QStringList& rest, QTextStream& out, QTextStream& err, bool p
         if (rest[i] == QLatin1String("--symbols")) {
             if (++i >= rest.size())
                 throw Usage{QStringLiteral("--symbols takes a list of symbols")};
-            symbols += rest[i].split(QLatin1Char(','), Qt::SkipEmptyParts);
+            symbols += symbolList(rest[i]);
         } else {
             folders << rest[i];
         }
@@ -354,7 +366,7 @@ int runCli(const QStringList& arguments, QTextStream& out, QTextStream& err, boo
                 } else if (rest[i] == QLatin1String("--symbols")) {
                     if (++i >= rest.size())
                         throw Usage{QStringLiteral("--symbols takes a list of symbols")};
-                    symbols += rest[i].split(QLatin1Char(','), Qt::SkipEmptyParts);
+                    symbols += symbolList(rest[i]);
                 } else {
                     places << rest[i];
                 }

@@ -144,7 +144,13 @@ int downloadQuotes(const QStringList& folders, const QStringList& symbols, QText
     int status = 0;
     // Each folder is held from here to the end: a folder another program is writing is left out.
     std::list<FolderLock> locks;
+    QStringList seen;
     for (const QString& folder : folders) {
+        // A folder given twice (a/ and a) is downloaded once.
+        const QString canonical = QFileInfo(folder).canonicalFilePath();
+        if (!canonical.isEmpty() && seen.contains(canonical))
+            continue;
+        seen << canonical;
         try {
             locks.emplace_back(folder, "brindlemark-cli", "download");
             addItems(folder, wanted, found, undated);

@@ -6,6 +6,8 @@
 
 #include <QDir>
 
+#include <algorithm>
+
 namespace {
 
 class Lines : public CsvConversionListener {
@@ -37,6 +39,22 @@ QStringList allSymbols(const QString& folder) {
 int exportCsv(const QString& folder, const QString& destination, const QStringList& symbols, bool merge,
               bool iso, QTextStream& out, QTextStream& err) {
     try {
+        // The folder is read first: a folder that can't be, or a symbol it lacks, writes nothing.
+        const QStringList held = allSymbols(folder);
+        QStringList chosen;
+        for (const QString& raw : symbols) {
+            // The symbol as the store holds it, whatever the case it was typed in.
+            const QString typed = raw.trimmed();
+            auto found = std::find(held.begin(), held.end(), typed);
+            if (found == held.end())
+                found = std::find_if(held.begin(), held.end(),
+                                     [&](const QString& h) { return h.compare(typed, Qt::CaseInsensitive) == 0; });
+            if (found == held.end()) {
+                err << "brindlemark-cli: " << typed << ": not in the folder " << folder << '\n';
+                return 1;
+            }
+            chosen << *found;
+        }
         if (!QDir(destination).exists() && !QDir().mkpath(destination)) {
             err << "brindlemark-cli: the folder " << destination << " cannot be made\n";
             return 1;
@@ -44,7 +62,7 @@ int exportCsv(const QString& folder, const QString& destination, const QStringLi
         CsvConversion conversion;
         conversion.isoForm = iso;
         Lines lines(out);
-        conversion.convert(folder, destination, symbols.isEmpty() ? allSymbols(folder) : symbols, merge, &lines);
+        conversion.convert(folder, destination, symbols.isEmpty() ? held : chosen, merge, &lines);
         return 0;
     } catch (const Failure& failure) {
         err << "brindlemark-cli: " << failure.Description << '\n';

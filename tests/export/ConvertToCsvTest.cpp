@@ -309,12 +309,17 @@ TEST_F(ConvertToCsv, CliIsoFilesReadTheSameInEveryLocaleAndUsageIsChecked) {
     }
     LocaleGuard german(QStringLiteral("de_DE"));
     QString out;
-    ASSERT_EQ(run({"export", data, dest, "--symbols", "AAA"}, out), 0);
+    ASSERT_EQ(run({"export", data, dest, "--symbols", "aaa"}, out), 0);   // the store's symbol, whatever the case typed
+    EXPECT_EQ(QDir(dest).entryList({"*a*.csv"}, QDir::Files | QDir::CaseSensitive), QStringList{"data.csv"});
     EXPECT_EQ(readFileBytes(dest + "/AAA.csv"),
               "Date,Open,High,Low,Close,Volume\r\n05.08.2005,75,25,77,25,74,25,76,25,1805\r\n06.08.2005,75,5,77,5,74,5,76,5,1806\r\n");
     EXPECT_EQ(run({"export", data}, out), 2);
     EXPECT_EQ(run({"export", data, dest, "--symbols"}, out), 2);
-    EXPECT_EQ(run({"export", temp.path() + "/none", dest}, out), 1);
+    EXPECT_EQ(run({"export", data, dest, "--symbols", ","}, out), 2);   // no symbol named is not "all of them"
+    // A folder that can't be read, or a symbol it lacks, makes and writes nothing.
+    EXPECT_EQ(run({"export", temp.path() + "/none", temp.path() + "/made"}, out), 1);
+    EXPECT_EQ(run({"export", data, temp.path() + "/made", "--symbols", "AAA,ZZZ"}, out), 1);
+    EXPECT_FALSE(QFileInfo::exists(temp.path() + "/made"));
 }
 
 } // namespace
