@@ -39,24 +39,31 @@ InsertEnd InsertRecord(const QString& folder, const QString& symbol, const Recor
     return InsertEnd::Added;
 }
 
-void ChangeRecord(const QString& folder, const QString& symbol, const RecordValues& record) {
+void ChangeRecord(const QString& folder, const QString& symbol, const RecordValues& record, RecordPlace place) {
     const QString d = storeDateText(record.Dat);
     SecurityWriter writer;
     writer.OpenFolder(folder.trimmed());
     writer.OpenSecurity(symbol.trimmed());
-    writer.ChangeQuote(d, QStringLiteral("-1"), UserMark, record.OpenPrice, record.High, record.Low,
-                       record.ClosePrice, record.Volume, UserExtra);
+    if (place.ofDate > 1)
+        writer.ChangeNthQuote(d, place.nth, record.OpenPrice, record.High, record.Low, record.ClosePrice, record.Volume);
+    else
+        writer.ChangeQuote(d, QStringLiteral("-1"), UserMark, record.OpenPrice, record.High, record.Low,
+                           record.ClosePrice, record.Volume, UserExtra);
     writer.CloseSecurity();
     writer.CloseFolder();
 }
 
-void DeleteRecord(const QString& folder, const QString& symbol, const QDate& date) {
+void DeleteRecord(const QString& folder, const QString& symbol, const QDate& date, RecordPlace place) {
     const QString d = storeDateText(date);
     SecurityWriter writer;
     writer.OpenFolder(folder.trimmed());
     writer.OpenSecurity(symbol.trimmed());
-    writer.DeleteQuote(d);
-    writer.SaveQuotes();
+    if (place.ofDate > 1) {
+        writer.DeleteNthQuote(d, place.nth);   // that bar alone, not its whole day
+    } else {
+        writer.DeleteQuote(d);
+        writer.SaveQuotes();
+    }
     writer.CloseSecurity();
     writer.CloseFolder();
 }

@@ -29,8 +29,15 @@ enum class InsertEnd {
 InsertEnd InsertRecord(const QString& folder, const QString& symbol, const RecordValues& record,
                        const std::function<void()>& dateExists = {});
 
+// Where the security holds one record of a date, the record is known by its date; where it holds
+// several (the bars of an intraday day), by its place among them too: `nth` of `ofDate`.
+struct RecordPlace {
+    int nth = 0;
+    int ofDate = 1;
+};
+
 // Replaces the values of the record of record.Dat.
-void ChangeRecord(const QString& folder, const QString& symbol, const RecordValues& record);
+void ChangeRecord(const QString& folder, const QString& symbol, const RecordValues& record, RecordPlace place = {});
 
 // Removes the record of that date.
-void DeleteRecord(const QString& folder, const QString& symbol, const QDate& date);
+void DeleteRecord(const QString& folder, const QString& symbol, const QDate& date, RecordPlace place = {});

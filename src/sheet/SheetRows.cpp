@@ -48,6 +48,20 @@ QString SheetRows::cell(int row, int column) const {
     return Regional::priceText(value);
 }
 
+std::pair<int, int> SheetRows::placeInDate(int row) const {
+    if (row < 0 || row >= rowCount())
+        return {0, 0};
+    const qint32 date = rows_[static_cast<size_t>(row)].date;
+    int before = 0, all = 0;
+    for (size_t i = 0; i < rows_.size(); ++i) {
+        if (rows_[i].date != date)
+            continue;
+        before += i < static_cast<size_t>(row) ? 1 : 0;
+        ++all;
+    }
+    return {before, all};
+}
+
 std::optional<QDate> SheetRows::rowDate(int row) const {
     if (row < 0 || row >= rowCount())
         return std::nullopt;

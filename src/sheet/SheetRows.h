@@ -41,6 +41,9 @@ public:
     // The date of a row's record, from its store date; empty outside the rows or for a store date
     // that is no date.
     std::optional<QDate> rowDate(int row) const;
+    // Which of the rows of its date `row` is (from 0, in the sheet's order), and how many rows
+    // that date has: the bars of an intraday day share one date.
+    std::pair<int, int> placeInDate(int row) const;
     // Removes every row.
     void clear();
     // Adds rows at the end, in one go.

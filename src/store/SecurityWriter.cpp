@@ -157,11 +157,15 @@ struct SecurityWriter::Impl {
         dates.resize(size_t(kept));
         for (const Record& r : after)
             dates.push_back(r.date);
-        disk = DataSummary{};
-        disk.count = int(dates.size());
-        if (!dates.empty()) {
-            disk.firstDate = dates.front();
-            disk.lastDate = dates.back();
+        if (kept == 0) {
+            disk = summaryOf(after, layout.time);   // a file of several records a date stays one
+        } else {
+            disk = DataSummary{};
+            disk.count = int(dates.size());
+            if (!dates.empty()) {
+                disk.firstDate = dates.front();
+                disk.lastDate = dates.back();
+            }
         }
         loaded = true;
         rememberSummary(dataPath(), layout, disk);
@@ -332,8 +336,8 @@ struct SecurityWriter::Impl {
         keep(std::move(bytes), kept, merged);
     }
 
-    // Applies `edit` to all records, puts them in order with one record a date, and rewrites
-    // the file when anything changed. `edit` says whether it changed anything.
+    // Applies `edit` to all records, puts them in order, and rewrites the file when anything
+    // changed. `edit` says whether it changed anything.
     template <typename Edit>
     void rewrite(Edit edit) {
         load();
@@ -351,20 +355,43 @@ struct SecurityWriter::Impl {
         keep(std::move(bytes), 0, recs);
     }
 
-    // Oldest first; of two records of one date (and time) the later in the list stays.
+    // Oldest first (by date and time). Records of one date that another program wrote stay, in
+    // the order they had: they are the user's data, whatever the format prefers.
     void normalise(std::vector<Record>& recs) const {
         const bool intraday = layout.time;
         auto key = [intraday](const Record& r) { return std::pair(r.date, intraday ? r.time : 0); };
         std::stable_sort(recs.begin(), recs.end(), [&](const Record& a, const Record& b) { return key(a) < key(b); });
-        std::vector<Record> out;
-        out.reserve(recs.size());
-        for (const Record& r : recs) {
-            if (!out.empty() && key(out.back()) == key(r))
-                out.back() = r;
-            else
-                out.push_back(r);
-        }
-        recs = std::move(out);
+    }
+
+    // Gives the `nth` record (from 0, in file order) of `date` the values of `values`; its time and
+    // open interest stay. Or removes it when `values` is none. Pending changes go first.
+    void editNth(qint32 date, int nth, const std::optional<Record>& values, const char* operation) {
+        flush();
+        bool found = false;
+        rewrite([&](std::vector<Record>& recs) {
+            int seen = 0;
+            for (auto r = recs.begin(); r != recs.end(); ++r) {
+                if (r->date != date || seen++ != nth)
+                    continue;
+                if (values) {
+                    const Record old = *r;
+                    *r = *values;
+                    r->date = old.date;
+                    r->time = old.time;
+                    r->openInterest = old.openInterest;
+                } else {
+                    recs.erase(r);
+                }
+                found = true;
+                break;
+            }
+            return found;
+        });
+        if (!found)
+            refuse(nth == 0 ? QStringLiteral("The security has no record of %1.").arg(date)
+                            : QStringLiteral("The security has no record %1 of %2.").arg(nth + 1).arg(date),
+                   operation);
+        noteDates();
     }
 
     // The index dates follow the records; a security without records keeps the dates it has, or
@@ -628,13 +655,22 @@ void SecurityWriter::DeleteQuotes(const QString& firstDateText, const QString& l
 
 void SecurityWriter::ChangeQuote(const QString& storeDateText, const QString& /*markText*/, qint32 /*mark*/,
                                  double open, double high, double low, double close, double volume, double /*extra*/) {
+    ChangeNthQuote(storeDateText, 0, open, high, low, close, volume);
+}
+
+void SecurityWriter::ChangeNthQuote(const QString& storeDateText, int nth, double open, double high, double low,
+                                    double close, double volume) {
     d->security("ChangeQuote");
     const qint32 date = dateOf(storeDateText, "ChangeQuote");
     const Record r = d->recordOf(date, open, high, low, close, volume, "ChangeQuote");
     if (!d->dateExists(date))
         refuse(QStringLiteral("The security has no record of %1.").arg(date), "ChangeQuote");
-    d->pending[date] = r;
-    d->flush();
+    d->editNth(date, nth, r, "ChangeQuote");
+}
+
+void SecurityWriter::DeleteNthQuote(const QString& storeDateText, int nth) {
+    d->security("DeleteQuote");
+    d->editNth(dateOf(storeDateText, "DeleteQuote"), nth, std::nullopt, "DeleteQuote");
 }
 
 void SecurityWriter::ChangeSecurity(const QString& oldSymbol, const QString& name, const QString& symbol) {

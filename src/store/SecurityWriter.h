@@ -41,6 +41,13 @@ public:
     void ChangeQuote(const QString& storeDateText, const QString& markText, qint32 mark, double open,
                      double high, double low, double close, double volume, double extra);
     void ChangeSecurity(const QString& oldSymbol, const QString& name, const QString& symbol);
+    // Where a security holds several records of one date (the bars of an intraday day, or what
+    // another program wrote): the `nth` of them (from 0, oldest first) takes new values, keeping
+    // its time and open interest, or goes, and no other. Written at once. ChangeQuote is
+    // ChangeNthQuote of the first; it too keeps time and open interest.
+    void ChangeNthQuote(const QString& storeDateText, int nth, double open, double high, double low, double close,
+                        double volume);
+    void DeleteNthQuote(const QString& storeDateText, int nth);
     bool SymbolExists(const QString& symbol);
     void CloseSecurity();
     bool DateExists(const QString& storeDateText);

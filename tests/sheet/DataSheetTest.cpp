@@ -371,6 +371,19 @@ TEST_F(RecordEdit, ChangeAndDeleteReachTheRowsOwnRecordInAnyLocale) {
         EXPECT_EQ(platform.boxes.last().text, "Record Deleted.");
         EXPECT_EQ(readBars(folder.path(), "ABC"), (std::vector<Bar>{changed, records[1]}));
     }
+    // Two bars of one day: the row's own bar is changed, then deleted, and the other stays.
+    REQUIRE_FIXTURE("intraday");
+    TempFolder intraday;
+    ASSERT_TRUE(copyFixture("intraday", intraday.path()));
+    const auto bars = readBars(intraday.path(), "2HR.DE");
+    auto sheet = loadedSheet(intraday.path(), "2HR.DE", "H&R");
+    sheet->recordsView->selectRow(1);
+    whenDialogUp(QString(), {"1", "2", "0.5", "1.5", "10"});
+    sheet->changeButton->click();
+    EXPECT_EQ(readBars(intraday.path(), "2HR.DE"), (std::vector<Bar>{bars[0], {20131115, 1, 2, 0.5, 1.5, 10}}));
+    platform.answerNextBox(MsgAnswer::Yes);
+    sheet->deleteButton->click();
+    EXPECT_EQ(readBars(intraday.path(), "2HR.DE"), std::vector<Bar>{bars[0]});
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // Real MetaStock folders, read as they stand and written into as copies.
 #include "StoreHelpers.h"
+#include "store/MetaStockFormat.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -108,31 +109,57 @@ std::map<QString, QByteArray> changedCopy(const char* fixture, const TempFolder&
     return before;
 }
 
-TEST(FixtureFolders, WritesIntoThirdPartySecuritiesKeepThemInOrderAndADeletedDayGoesWhole) {
+// The records of a data file as they lie, times and open interest included.
+std::vector<metastock::Record> recordsOf(const QString& file, int fields, char periodicity) {
+    return metastock::parseData(readFileBytes(file), *metastock::Layout::of(fields, -1, periodicity), QFileInfo(file).fileName());
+}
+
+// A write keeps every record it was not asked to change: the several records of one date that
+// another program wrote, the other bars of an intraday day, a bar's time, a record's open interest.
+TEST(FixtureFolders, WritesKeepEveryRecordNotAskedForWithItsTimeAndOpenInterest) {
     REQUIRE_FIXTURE("third-party");
+    const QString thirdParty = metastockFixture(QStringLiteral("third-party"));
     TempFolder temp;
     const QString ov = QStringLiteral("OV");
-    const auto before = readBars(metastockFixture(QStringLiteral("third-party")), ov);
-    changedCopy("third-party", temp, [&](SecurityWriter& w) { w.OpenSecurity(ov), addBars(w, {{20130111, 1, 2, 0.5, 1.5, 1000}}); });
-    std::set<qint32> unique{20130111};
-    for (const Bar& b : before)
-        unique.insert(b.date);
-    EXPECT_EQ(readDates(temp.path(), ov), std::vector<qint32>(unique.begin(), unique.end()));
-    // The record that the file held out of order kept its values.
-    const auto after = readBars(temp.path(), ov);
-    EXPECT_EQ(*std::find_if(after.begin(), after.end(), [](const Bar& b) { return b.date == 19870315; }), before[366]);
-    // The other securities are untouched, and the folder is still MASTER only.
-    EXPECT_EQ(readBars(temp.path(), QStringLiteral("AR")), readBars(metastockFixture(QStringLiteral("third-party")), QStringLiteral("AR")));
-    EXPECT_FALSE(QFileInfo::exists(temp.file(QStringLiteral("EMASTER"))));
-    // A day of a security with times, deleted in a batch of its own, goes with all its records.
+    auto expected = readBars(thirdParty, ov);
+    const Bar added{20130111, 1, 2, 0.5, 1.5, 1000};
+    changedCopy("third-party", temp, [&](SecurityWriter& w) { w.OpenSecurity(ov), addBars(w, {added}); });
+    expected.push_back(added);
+    std::stable_sort(expected.begin(), expected.end(), [](const Bar& a, const Bar& b) { return a.date < b.date; });
+    EXPECT_EQ(readBars(temp.path(), ov), expected);   // in order now, a repeated day kept twice
+    EXPECT_EQ(readBars(temp.path(), QStringLiteral("AR")), readBars(thirdParty, QStringLiteral("AR")));
+    EXPECT_FALSE(QFileInfo::exists(temp.file(QStringLiteral("EMASTER"))));   // still MASTER only
+    // A change keeps the open interest nobody sees.
+    const auto geo = recordsOf(thirdParty + "/F12.DAT", 7, 'D');
+    writeFolder(temp.path(), [](SecurityWriter& w) {
+        w.OpenSecurity(QStringLiteral("GEO"));
+        w.ChangeQuote(QStringLiteral("19950302"), QStringLiteral("-1"), -1, 1, 2, 0.5, 1.5, 10, -1);
+    });
+    const auto changed = recordsOf(temp.file(QStringLiteral("F12.DAT")), 7, 'D');
+    ASSERT_EQ(changed.size(), geo.size());
+    EXPECT_TRUE(changed[1].close == 1.5f && changed[1].openInterest == geo[1].openInterest && geo[1].openInterest != 0);
+
+    // The two bars of one day: the second changed and the first deleted, each by its place, leave
+    // the second with its own time. DeleteQuote of the day takes the whole day.
     REQUIRE_FIXTURE("intraday");
+    const QString hr = QStringLiteral("2HR.DE");
+    const auto bars = recordsOf(metastockFixture(QStringLiteral("intraday")) + "/F1.DAT", 7, 'I');
+    ASSERT_EQ(bars.size(), 2u);
     TempFolder intraday;
-    changedCopy("intraday", intraday, [](SecurityWriter& w) {
-        w.OpenSecurity(QStringLiteral("2HR.DE"));
+    changedCopy("intraday", intraday, [&](SecurityWriter& w) {
+        w.OpenSecurity(hr);
+        w.ChangeNthQuote(QStringLiteral("20131115"), 1, 1, 2, 0.5, 1.5, 10);
+        w.DeleteNthQuote(QStringLiteral("20131115"), 0);
+    });
+    const auto left = recordsOf(intraday.file(QStringLiteral("F1.DAT")), 7, 'I');
+    ASSERT_EQ(left.size(), 1u);
+    EXPECT_TRUE(left[0].time == bars[1].time && left[0].close == 1.5f) << left[0].time;
+    writeFolder(intraday.path(), [&](SecurityWriter& w) {
+        w.OpenSecurity(hr);
         w.DeleteQuote(QStringLiteral("20131115"));
         w.SaveQuotes();
     });
-    EXPECT_TRUE(readBars(intraday.path(), QStringLiteral("2HR.DE")).empty());
+    EXPECT_TRUE(readBars(intraday.path(), hr).empty());
 }
 
 TEST(FixtureFolders, WritingKeepsMixedCaseNamesPerFolderValuesAndUnknownFields) {

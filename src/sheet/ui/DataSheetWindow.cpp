@@ -221,7 +221,8 @@ void DataSheetWindow::changeRecord() {
         return;
 
     try {
-        ChangeRecord(folderEdit->text(), symbolEdit->text(), dialog);
+        const auto [nth, ofDate] = rows_->placeInDate(row);
+        ChangeRecord(folderEdit->text(), symbolEdit->text(), dialog, {nth, ofDate});
     } catch (const Failure& failure) {
         // The row keeps its old values: the store did not take the new ones.
         MsgBox(failure.Description, MsgIcon::Warning);
@@ -243,7 +244,8 @@ void DataSheetWindow::deleteRecord() {
         const auto date = rows_->rowDate(row);
         if (!date)
             return;   // a store date that is no date: nothing to delete
-        DeleteRecord(folderEdit->text(), symbolEdit->text(), *date);
+        const auto [nth, ofDate] = rows_->placeInDate(row);
+        DeleteRecord(folderEdit->text(), symbolEdit->text(), *date, {nth, ofDate});
     } catch (const Failure&) {
         return;
     }
