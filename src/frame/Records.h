@@ -25,5 +25,8 @@ struct QuoteRecord {
     double High = 0;
     double Low = 0;
     double ClosePrice = 0;
-    qint32 Volume = 0;
+    // A whole number. Today's quotes service gives index volumes past 32 bits (4 to 5 billion
+    // shares a day), which the store holds; the older table reply and the chart keep to 32 bits
+    // by their own checks.
+    double Volume = 0;
 };

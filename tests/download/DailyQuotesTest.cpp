@@ -60,7 +60,7 @@ TEST_F(QuotesFetcher, RowsKeepTheirLineNumbersAndEveryField) {
         EXPECT_TRUE(quote(empty).Dat.isEmpty()) << empty;
     EXPECT_EQ(quote(4).Dat, "2005-08-02");
     // Volumes round half to even.
-    EXPECT_EQ(QList<qint64>({quote(1).Volume, quote(4).Volume, quote(5).Volume}), QList<qint64>({2, 4, -2}));
+    EXPECT_EQ(QList<double>({quote(1).Volume, quote(4).Volume, quote(5).Volume}), QList<double>({2, 4, -2}));
 
     // Nothing of this reply stays behind in the gaps of the next.
     ASSERT_EQ(fetch(Header + "2005-09-05,10,x,9,10.5,100,10.5\n2005-09-04,20,21,19,20.5,200,20.5\n"), 0);

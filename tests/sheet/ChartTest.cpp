@@ -175,7 +175,7 @@ TEST_F(ChartLoad, ReadsThroughTheProgressWindowAndKeepsTwoDecimals) {
         ASSERT_EQ(q.size(), 3u);
         EXPECT_EQ(q[0].Dat, DateToText(20040102));
         EXPECT_EQ((std::vector<double>{q[0].High, q[0].ClosePrice, q[1].ClosePrice, q[2].ClosePrice}), (std::vector<double>{13.35, 12.35, 7.13, 3.0}));
-        EXPECT_EQ((std::vector<qint32>{q[0].Volume, q[1].Volume, q[2].Volume}), (std::vector<qint32>{1000, 1002, 2}));
+        EXPECT_EQ((std::vector<double>{q[0].Volume, q[1].Volume, q[2].Volume}), (std::vector<double>{1000, 1002, 2}));
         EXPECT_EQ(progress.calls, LoadOfThree);
     }
     makeSecurity(temp.path(), "LONG", "Long", series(ChartRecordLimit + 1, QDate(1920, 1, 1)));
