@@ -30,6 +30,27 @@ int seriesRank(QByteArrayView series) {
 
 bool blank(QByteArrayView line) { return line.trimmed().isEmpty(); }
 
+// The day of a trade date as the two forms write it: 2024-11-04, or 01-JUL-2024.
+QDate tradeDate(QByteArrayView text) {
+    const QString t = QString::fromLatin1(text.trimmed()).toUpper();
+    QDate day = QDate::fromString(t, QStringLiteral("yyyy-MM-dd"));
+    if (day.isValid())
+        return day;
+    static const QStringList months = {"JAN", "FEB", "MAR", "APR", "MAY", "JUN", "JUL", "AUG", "SEP", "OCT", "NOV", "DEC"};
+    const QStringList parts = t.split(QLatin1Char('-'));
+    if (parts.size() == 3 && months.contains(parts[1]))
+        day = QDate(parts[2].toInt(), int(months.indexOf(parts[1])) + 1, parts[0].toInt());
+    return day;
+}
+
+// Where the column of the trade date stands; -1 when the file has none.
+qsizetype dateColumn(const QList<QByteArrayView>& header) {
+    for (qsizetype i = 0; i < header.size(); ++i)
+        if (header[i].compare("TradDt", Qt::CaseInsensitive) == 0 || header[i].compare("TIMESTAMP", Qt::CaseInsensitive) == 0)
+            return i;
+    return -1;
+}
+
 // Where each column of a form stands in the header; empty when the header lacks one of them.
 std::optional<std::array<qsizetype, ColumnCount>> columnsOf(const QList<QByteArrayView>& header, const Names& names) {
     std::array<qsizetype, ColumnCount> at{};
@@ -48,7 +69,9 @@ std::optional<std::array<qsizetype, ColumnCount>> columnsOf(const QList<QByteArr
 
 namespace BhavCopyCsv {
 
-std::optional<QList<BhavRow>> read(const QByteArray& csv) {
+std::optional<QList<BhavRow>> read(const QByteArray& csv, QDate* tradeDay) {
+    if (tradeDay)
+        *tradeDay = QDate();
     QByteArrayView text(csv);
     if (text.startsWith("\xEF\xBB\xBF"))
         text = text.sliced(3);
@@ -66,6 +89,7 @@ std::optional<QList<BhavRow>> read(const QByteArray& csv) {
             columns = columnsOf(fields, form);
     if (!columns)
         return std::nullopt;
+    const qsizetype dayAt = dateColumn(fields);
     qsizetype needed = 0;
     for (const qsizetype c : *columns)
         needed = std::max(needed, c + 1);
@@ -78,6 +102,8 @@ std::optional<QList<BhavRow>> read(const QByteArray& csv) {
         if (blank(line) || !splitFields(line, fields) || fields.size() < needed)
             continue;
         const auto field = [&](Column c) { return fields[(*columns)[c]]; };
+        if (tradeDay && !tradeDay->isValid() && dayAt >= 0 && dayAt < fields.size())
+            *tradeDay = tradeDate(fields[dayAt]);
         BhavRow row;
         row.Symbol = QString::fromUtf8(field(Symbol));
         if (row.Symbol.isEmpty() || row.Symbol == u"W1")   // never written, as in the older files

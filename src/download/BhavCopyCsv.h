@@ -9,6 +9,7 @@
 #include "download/BhavCopy.h"
 
 #include <QByteArray>
+#include <QDate>
 
 #include <optional>
 
@@ -19,6 +20,8 @@ namespace BhavCopyCsv {
 // whose numbers do not read gives no row, nor does a row of the symbol "W1". Empty when the text
 // is no such file (no header of either form: an error page, a captive portal's page) or holds no
 // row.
-std::optional<QList<BhavRow>> read(const QByteArray& csv);
+// `tradeDay`, when given, takes the day the file says its trades are of (TradDt, TIMESTAMP), as
+// its first row says it; an invalid date when the file says none.
+std::optional<QList<BhavRow>> read(const QByteArray& csv, QDate* tradeDay = nullptr);
 
 } // namespace BhavCopyCsv

@@ -16,10 +16,12 @@
 namespace {
 
 
-// Errors that come with an HTTP status: the server answered, and its body is the reply.
+// Errors that come with an HTTP status: the server answered, and its body is the reply (a 400
+// comes as a protocol error, the others in the content and server groups).
 bool serverAnswered(QNetworkReply::NetworkError error) {
     const int code = static_cast<int>(error);
-    return error == QNetworkReply::NoError || (code >= 201 && code <= 299) || (code >= 401 && code <= 499);
+    return error == QNetworkReply::NoError || error == QNetworkReply::ProtocolInvalidOperationError ||
+           (code >= 201 && code <= 299) || (code >= 401 && code <= 499);
 }
 
 } // namespace

@@ -150,7 +150,7 @@ void NseDailyRun::BeginDownload(const QString& folderText) {
 
     // A walk over days before the one values.dat names (a filling in from the command line) leaves
     // it: the next run goes on from where the folder stands.
-    if (rowsWritten_ > 0 && !(held && lastUpdated_ <= *held)) {
+    if (rowsWritten_ > 0 && lastUpdated_.isValid() && !(held && lastUpdated_ <= *held)) {
         startDate_ = lastUpdated_;
         // A file that can't be written stays as it was; the run ends as ever.
         passOver([&] {
@@ -180,8 +180,9 @@ void NseDailyRun::walk(const QString& folder) {
             break;
         }
         if (rows) {
+            if (!writeDay(folder, *rows))
+                break;   // values.dat stays before this day: the next run asks for it again
             lastUpdated_ = currentDate_;
-            writeDay(folder, *rows);
             listener_.dayUpdated(Regional::dateText(currentDate_) + QStringLiteral(" Updated."));
             if (StopRequested) {
                 StopRequested = false;
@@ -193,19 +194,45 @@ void NseDailyRun::walk(const QString& folder) {
     }
 }
 
-void NseDailyRun::writeDay(const QString& folder, const QList<BhavRow>& rows) {
-    // Every failure of a day is passed over: a symbol the folder lacks, a folder that won't open.
+bool NseDailyRun::writeDay(const QString& folder, const QList<BhavRow>& rows) {
+    // A row of a symbol the folder lacks reaches no security, and is passed over. A store that
+    // will not take a day's records (a folder it may not write, a full disk, another program
+    // writing) ends the walk as a failed fetch does, so that the day is not passed by for good.
     const qint32 date = Regional::toStoreDate(currentDate_);
     SecurityWriter& w = writer();
-    passOver([&] { w.OpenFolder(folder); });
+    QString failed;
+    const auto must = [&](const auto& step) {
+        try {
+            step();
+            return true;
+        } catch (const Failure& failure) {
+            if (failed.isEmpty())
+                failed = failure.Description;
+            return false;
+        }
+    };
+    const bool folderOpen = must([&] { w.OpenFolder(folder); });
     for (const BhavRow& row : rows) {
-        // A row whose security can't be opened reaches no security.
-        if (passOver([&] { w.OpenSecurity(row.Symbol); }) && row.HasPrices)
-            passOver([&] { w.AddQuote(date, 0, row.Open, row.High, row.Low, row.Close, row.Volume, 0.0); });
-        passOver([&] { w.SaveQuotes(); });
-        passOver([&] { w.CloseSecurity(); });
+        if (!folderOpen)
+            break;
+        if (passOver([&] { w.OpenSecurity(row.Symbol); })) {
+            if (row.HasPrices)
+                must([&] { w.AddQuote(date, 0, row.Open, row.High, row.Low, row.Close, row.Volume, 0.0); });
+            must([&] { w.SaveQuotes(); });
+            must([&] { w.CloseSecurity(); });
+        } else {
+            bool held = false;
+            passOver([&] { held = w.SymbolExists(row.Symbol); });
+            if (held)
+                must([&] { w.OpenSecurity(row.Symbol); });   // its own failure, said
+        }
         if (rowsWritten_ < std::numeric_limits<qint16>::max())
             ++rowsWritten_;
     }
-    passOver([&] { w.CloseFolder(); });
+    if (folderOpen)
+        must([&] { w.CloseFolder(); });
+    if (failed.isEmpty())
+        return true;
+    FetchFailure = QStringLiteral("The records of %1 could not be stored: %2").arg(Regional::dateText(currentDate_), failed);
+    return false;
 }

@@ -58,7 +58,7 @@ public:
 
 private:
     void walk(const QString& folder);
-    void writeDay(const QString& folder, const QList<BhavRow>& rows);
+    bool writeDay(const QString& folder, const QList<BhavRow>& rows);
     SecurityWriter& writer();
 
     BhavCopySource& source_;

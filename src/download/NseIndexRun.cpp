@@ -146,6 +146,15 @@ int NseIndexRun::Run(const QString& folderText) {
         const auto rows = fetchDay(connection_, address_, day);
         if (!rows)
             continue;
+        // A file of another day's values (a stale copy) would overwrite that day, or move the
+        // folder past today: the run ends, and the day is asked for again.
+        for (const IndexClose& row : *rows)
+            if (row.Date.isValid() && row.Date != day)
+                throw Failure(FailureNumber::Network,
+                              QStringLiteral("The index closes of %1 hold the values of %2.\nThe next download asks "
+                                             "for that day again.")
+                                  .arg(Regional::dateText(day), Regional::dateText(row.Date)),
+                              Source);
         int written = 0;
         try {
             written = writeDay(folder, *rows);

@@ -18,11 +18,11 @@ QString TodayBhavCopy::DayPath(const QDate& day) {
          + QStringLiteral("%1").arg(day.day(), 2, 10, QLatin1Char('0')) + month + year + QStringLiteral("bhav.csv.zip");
 }
 
-std::optional<QList<BhavRow>> TodayBhavCopy::ReadArchive(const QByteArray& archive) {
-    const std::optional<QByteArray> file = FirstMemberBytes(archive, MaxFileBytes);
+std::optional<QList<BhavRow>> TodayBhavCopy::ReadArchive(const QByteArray& archive, QDate* tradeDay) {
+    const std::optional<QByteArray> file = FirstMemberBytes(archive, MaxFileBytes, QStringLiteral(".csv"));
     if (!file)
         return std::nullopt;
-    return BhavCopyCsv::read(*file);
+    return BhavCopyCsv::read(*file, tradeDay);
 }
 
 std::optional<QList<BhavRow>> TodayBhavCopy::FetchDay(const QDate& day) {
@@ -47,5 +47,14 @@ std::optional<QList<BhavRow>> TodayBhavCopy::FetchDay(const QDate& day) {
                       QStringLiteral("The exchange answered %1 for the bhav copy of %2.").arg(status).arg(
                           Regional::dateText(day)),
                       QStringLiteral("TodayBhavCopy::FetchDay"));
-    return ReadArchive(body);
+    QDate traded;
+    auto rows = ReadArchive(body, &traded);
+    // A file of another day's trades (a stale copy, a cache's mistake) is no bhav copy of this day:
+    // stored under this day it would make up a day. The walk ends, and the day is asked again.
+    if (rows && traded.isValid() && traded != day)
+        throw Failure(FailureNumber::Network,
+                      QStringLiteral("The bhav copy of %1 holds the trades of %2.")
+                          .arg(Regional::dateText(day), Regional::dateText(traded)),
+                      QStringLiteral("TodayBhavCopy::FetchDay"));
+    return rows;
 }

@@ -25,7 +25,7 @@ public:
     // before FirstNewFormDay "/content/historical/EQUITIES/2024/JUL/cm01JUL2024bhav.csv.zip".
     static QString DayPath(const QDate& day);
     // The rows of a day's archive: its one CSV file unpacked in memory and read.
-    static std::optional<QList<BhavRow>> ReadArchive(const QByteArray& archive);
+    static std::optional<QList<BhavRow>> ReadArchive(const QByteArray& archive, QDate* tradeDay = nullptr);
 
 private:
     Inet& connection_;

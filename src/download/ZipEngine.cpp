@@ -578,7 +578,7 @@ int SingleEntryUnzip(const ZipOptionRecord& options, ZipUserFunctions& functions
     return run.go();
 }
 
-std::optional<QByteArray> FirstMemberBytes(const QByteArray& archiveBytes, qint64 maxBytes) {
+std::optional<QByteArray> FirstMemberBytes(const QByteArray& archiveBytes, qint64 maxBytes, const QString& suffix) {
     zip_error_t error;
     zip_error_init(&error);
     zip_source_t* source = zip_source_buffer_create(archiveBytes.constData(), zip_uint64_t(archiveBytes.size()), 0, &error);
@@ -589,28 +589,37 @@ std::optional<QByteArray> FirstMemberBytes(const QByteArray& archiveBytes, qint6
             zip_source_free(source);
         return std::nullopt;
     }
+    // The first member named with `suffix`; without one, the first member that is a file.
     const zip_int64_t count = zip_get_num_entries(archive.get(), 0);
+    std::optional<Member> chosen;
     for (zip_int64_t i = 0; i < count; ++i) {
         Member m;
         if (!describeMember(archive.get(), zip_uint64_t(i), m))
             return std::nullopt;
         if (m.folder)
             continue;
-        if (m.link || m.encrypted || !(m.stat.valid & ZIP_STAT_SIZE) || m.stat.size > zip_uint64_t(std::max<qint64>(maxBytes, 0)))
-            return std::nullopt;
-        const FileHandle file(zip_fopen_index(archive.get(), m.index, 0));
-        if (!file)
-            return std::nullopt;
-        QByteArray bytes;
-        bytes.reserve(qsizetype(m.stat.size));
-        std::vector<char> buffer(size_t(std::min<zip_uint64_t>(std::max<zip_uint64_t>(m.stat.size, 1), ChunkBytes)));
-        const auto append = [&](const char* data, qint64 size) {
-            bytes.append(data, qsizetype(size));
-            return true;
-        };
-        if (readWhole(file.get(), m.stat.size, buffer, append) != MemberRead::Whole)
-            return std::nullopt;
-        return bytes;
+        const bool named = !suffix.isEmpty() && m.name.endsWith(suffix, Qt::CaseInsensitive);
+        if (!chosen || named)
+            chosen = m;
+        if (named || suffix.isEmpty())
+            break;
     }
-    return std::nullopt;
+    if (!chosen)
+        return std::nullopt;
+    const Member& m = *chosen;
+    if (m.link || m.encrypted || !(m.stat.valid & ZIP_STAT_SIZE) || m.stat.size > zip_uint64_t(std::max<qint64>(maxBytes, 0)))
+        return std::nullopt;
+    const FileHandle file(zip_fopen_index(archive.get(), m.index, 0));
+    if (!file)
+        return std::nullopt;
+    QByteArray bytes;
+    bytes.reserve(qsizetype(m.stat.size));
+    std::vector<char> buffer(size_t(std::min<zip_uint64_t>(std::max<zip_uint64_t>(m.stat.size, 1), ChunkBytes)));
+    const auto append = [&](const char* data, qint64 size) {
+        bytes.append(data, qsizetype(size));
+        return true;
+    };
+    if (readWhole(file.get(), m.stat.size, buffer, append) != MemberRead::Whole)
+        return std::nullopt;
+    return bytes;
 }

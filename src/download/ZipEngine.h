@@ -81,8 +81,8 @@ struct ZipUserFunctions {
 // One run over one archive.
 int SingleEntryUnzip(const ZipOptionRecord& options, ZipUserFunctions& functions);
 
-// The bytes of the first file member (folders passed over) of an archive held in memory, when
-// all of them came out with a matching CRC. Empty when the bytes are no archive, it holds no file,
-// its first file is a link, encrypted or damaged, or declares or inflates to more than `maxBytes`.
-// Nothing is written to disk.
-std::optional<QByteArray> FirstMemberBytes(const QByteArray& archive, qint64 maxBytes);
+// The bytes of the first file member (folders passed over) of an archive held in memory whose
+// name ends with `suffix` (any case), else of its first file member, when all of them came out
+// with a matching CRC. Empty when the bytes are no archive, it holds no file, the file is a link,
+// encrypted or damaged, or declares or inflates to more than `maxBytes`. Nothing is written to disk.
+std::optional<QByteArray> FirstMemberBytes(const QByteArray& archive, qint64 maxBytes, const QString& suffix = {});

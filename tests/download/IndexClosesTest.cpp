@@ -159,12 +159,16 @@ TEST_F(IndexWalk, BuildsAFolderFromNothingThenBringsItUpToDateADayLater) {
     EXPECT_EQ(run(), 0);
     EXPECT_TRUE(server.targets.isEmpty());
 
-    // A day the exchange fails to serve ends the walk there, and the next run asks for it again.
+    // A day the exchange fails to serve, or serves with another day's values, ends the walk there,
+    // writing nothing, and the next run asks for it again.
     platform.todayDate = QDate(2024, 11, 7);
-    days.insert(path(QDate(2024, 11, 6)).toLatin1(), LoopbackReply::withStatus(503, "busy"));
     serveDay(QDate(2024, 11, 7), Head + "Nifty 50,07-11-2024,1,2,0.5,1.5,0,0,10,0,0,0,0\n");
-    EXPECT_THROW(run(), Failure);
-    EXPECT_EQ(server.targets.size(), 1);
+    for (const LoopbackReply& reply : {LoopbackReply::withStatus(503, "busy"), LoopbackReply::ok(Head + "Nifty 50,05-11-2024,8,8,8,8,0,0,8,0,0,0,0\n")}) {
+        days.insert(path(QDate(2024, 11, 6)).toLatin1(), reply);
+        EXPECT_THROW(run(), Failure);
+        EXPECT_EQ(server.targets.size(), 1);
+        EXPECT_EQ(readBars(folder, "NIFTY50").back(), (Bar{20241105, 1, 2, 0.5, 1.5, 10}));
+    }
     serveDay(QDate(2024, 11, 6), Head + "Nifty 50,06-11-2024,1,2,0.5,1.5,0,0,10,0,0,0,0\n");
     EXPECT_EQ(run(), 2);
     EXPECT_EQ(readBars(folder, "NIFTY50").size(), 5);

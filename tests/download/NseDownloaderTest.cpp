@@ -364,6 +364,15 @@ TEST_F(NseRun, CommandLineWalksBetweenTheDaysGivenAndKeepsValuesAsTheScreenDoes)
 
     EXPECT_EQ(cli({"download", "bhavcopy"}).status, 2);
     EXPECT_EQ(cli({"download", "bhavcopy", folder, "--from", "2026"}).status, 2);
+    // A store that will not take a day's records ends the walk before that day, which is asked again.
+    ASSERT_TRUE(QFile::setPermissions(folder + "/MASTER", QFile::ReadOwner));
+    serveDay({2026, 11, 6}, bhavRow("ABC", whole(0, 30, 100)));
+    r = cli({"download", "bhavcopy", folder, "--to", "20261106"});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.out, QStringList{"0 days with data"});
+    const QString said = platform_.boxTexts().join('|');   // the box, on standard error outside the tests
+    EXPECT_TRUE(said.contains("could not be stored") && said.contains("MASTER is read-only")) << said.toStdString();
+    EXPECT_EQ(valuesFile(), valuesText({2026, 11, 5}));
     r = cli({"download", "bhavcopy", temp.path() + "/nowhere"});
     EXPECT_TRUE(r.status == 1 && r.err.contains("/nowhere does not exist")) << r.err.toStdString();
 }

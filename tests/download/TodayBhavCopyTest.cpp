@@ -53,6 +53,8 @@ TEST(TodayBhavCopyRead, RepliesThatHoldNoDayAndLinesThatGiveNoRow) {
          makeArchive({ZipEntry::dir("2024/"), ZipEntry::file("2024/d.csv", "\xEF\xBB\xBF" "TCKRSYMB,FinInstrmNm,SctySrs,OpnPric,HghPric,LwPric,ClsPric,TtlTradgVol\r\r"
                                                                  " ABC ,\"ABC, LTD\",EQ, 1 ,2,0.5,1.5,10\r" "DEF,D,EQ,1,2,1,n/a,10\r" " W1 ,W,EQ,1,2,1,1.5,10\r")}),
          {"ABC"}},
+        {"a note first, then the day's file",
+         makeArchive({ZipEntry::file("README.txt", "Trades of the day"), ZipEntry::file("d.CSV", good)}), {"ABC"}},
     };
     for (const auto& c : cases) {
         const auto rows = TodayBhavCopy::ReadArchive(c.archive);
@@ -114,21 +116,29 @@ TEST_F(TodayNseRun, WalksBothFormsAndStoresTheExchangesPrices) {
     EXPECT_EQ(readFileBytes(CreateSymbols::ValuesFilePath(folder)), (Regional::dateText({2024, 7, 8}) + "\r\n").toUtf8());
 }
 
-// A day the exchange fails to serve ends the walk there; the next run asks for it again.
+// A day the exchange fails to serve, or serves with another day's trades, ends the walk there;
+// the next run asks for it again.
 TEST_F(TodayNseRun, ADayNotFetchedIsAskedForAgain) {
     createSymbols({"ABC"}, {2024, 11, 1});
     const QByteArray day = zipped(Shuffled + "EQ,ABC,,100,2,1,3,1.5,A\r\n");
-    days["/content/cm/BhavCopy_NSE_CM_0_0_0_20241104_F_0000.csv.zip"] = LoopbackReply::withStatus(503, "busy");
+    const QByteArray friday = zipped("TradDt,TckrSymb,SctySrs,OpnPric,HghPric,LwPric,ClsPric,TtlTradgVol\n2024-11-01,ABC,EQ,1,2,1,2,5\n");
+    const QString monday = Regional::dateText({2024, 11, 4});
     days["/content/cm/BhavCopy_NSE_CM_0_0_0_20241105_F_0000.csv.zip"] = LoopbackReply::ok(day);
     platform_.todayDate = {2024, 11, 5};
     NseDownloaderDialog dlg;
     dlg.folderEdit->setText(folder);
-    dlg.beginDownloadButton->click();
-    EXPECT_EQ(server.targets.size(), 3);   // the weekend, then the Monday that failed
-    EXPECT_EQ(platform_.boxTexts().value(0).toStdString(),
-              "The exchange answered 503 for the bhav copy of " + Regional::dateText({2024, 11, 4}).toStdString() +
-                  ".\nThe next download asks for that day again.");
-    EXPECT_TRUE(readBars(folder, "ABC").empty());
+    const std::pair<LoopbackReply, QString> failures[] = {
+        {LoopbackReply::withStatus(503, "busy"), "The exchange answered 503 for the bhav copy of " + monday + "."},
+        {LoopbackReply::ok(friday), "The bhav copy of " + monday + " holds the trades of " + Regional::dateText({2024, 11, 1}) + "."}};
+    for (const auto& [reply, says] : failures) {
+        days["/content/cm/BhavCopy_NSE_CM_0_0_0_20241104_F_0000.csv.zip"] = reply;
+        server.targets.clear();
+        platform_.boxes.clear();
+        dlg.beginDownloadButton->click();
+        EXPECT_EQ(server.targets.size(), 3);   // the weekend, then the Monday that failed
+        EXPECT_EQ(platform_.boxTexts().value(0), says + "\nThe next download asks for that day again.");
+        EXPECT_TRUE(readBars(folder, "ABC").empty());
+    }
 
     days["/content/cm/BhavCopy_NSE_CM_0_0_0_20241104_F_0000.csv.zip"] = LoopbackReply::ok(day);
     server.targets.clear();

@@ -84,6 +84,7 @@ TEST_F(TodaySource, RepliesWithoutBarsAreNoData) {
     const struct { const char* what; LoopbackReply reply; } cases[] = {
         {"no timestamps", LoopbackReply::ok(serviceFixture("yahoo-chart-no-rows.json"))},
         {"unknown symbol", LoopbackReply::withStatus(404, serviceFixture("yahoo-chart-404.json"))},
+        {"a request the service calls bad", LoopbackReply::withStatus(400, serviceFixture("yahoo-chart-404.json"))},
         {"a good body with a server error", LoopbackReply::withStatus(500, chart({{kolkataMorning(4)}}))},
     };
     for (const auto& c : cases) {
