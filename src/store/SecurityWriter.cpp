@@ -199,10 +199,11 @@ struct SecurityWriter::Impl {
             putPending();
         } catch (const Failure& failure) {
             const QString symbol = folder->index.securities[size_t(selected)].key();
-            rethrowSaying(failure, pending.size() == 1
-                                       ? QStringLiteral("The change to %1 was not stored.").arg(symbol)
-                                       : QStringLiteral("None of the %1 changes to %2 were stored.")
-                                             .arg(pending.size()).arg(symbol));
+            // Gone, as the message says: the next step is not failed again by this batch.
+            const size_t count = std::exchange(pending, {}).size();
+            rethrowSaying(failure, count == 1 ? QStringLiteral("The change to %1 was not stored.").arg(symbol)
+                                              : QStringLiteral("None of the %1 changes to %2 were stored.")
+                                                    .arg(count).arg(symbol));
         }
         pending.clear();
         noteDates();

@@ -148,6 +148,22 @@ QString notRegular() { return QStringLiteral("it is not a regular file"); }
 #ifdef Q_OS_UNIX
 QString systemError(int error) { return QString::fromLocal8Bit(std::strerror(error)); }
 
+#ifdef Q_OS_UNIX
+// Writes `size` bytes at `offset`; 0 when all went, else the system's error number.
+int writeAllAt(int fd, const char* data, qsizetype size, qint64 offset) {
+    qsizetype done = 0;
+    while (done < size) {
+        const ssize_t put = ::pwrite(fd, data + done, size_t(size - done), off_t(offset + done));
+        if (put < 0 && errno == EINTR)
+            continue;
+        if (put <= 0)
+            return put < 0 ? errno : ENOSPC;   // a short write says nothing of its cause; the next try names it
+        done += put;
+    }
+    return 0;
+}
+#endif
+
 // Flushes a file or a folder to the disk.
 bool flushPath(const QByteArray& path, int flags) {
     const int fd = ::open(path.constData(), flags | O_CLOEXEC);
@@ -271,20 +287,7 @@ void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteAr
             ::close(fd);
             throw;
         }
-        const qsizetype size = go == Go::All ? bytes.size() : bytes.size() / 2;
-        qsizetype done = 0;
-        int error = 0;
-        while (done < size) {
-            const ssize_t put = ::pwrite(fd, bytes.constData() + done, size_t(size - done), off_t(offset + done));
-            if (put < 0 && errno == EINTR)
-                continue;
-            if (put <= 0) {
-                // A short write says nothing of its cause; the next try names it (a full disk).
-                error = put < 0 ? errno : ENOSPC;
-                break;
-            }
-            done += put;
-        }
+        const int error = writeAllAt(fd, bytes.constData(), go == Go::All ? bytes.size() : bytes.size() / 2, offset);
         if (error != 0 || go == Go::Half) {
             ::close(fd);
             writeFailed(path, go == Go::Half ? QStringLiteral("the store stopped") : systemError(error));
@@ -329,16 +332,28 @@ void writeParts(const QString& path, const std::vector<std::pair<qint64, QByteAr
 namespace {
 
 // Writes a whole file at `path` (made or truncated); with `flush`, to the disk before it returns.
-void putFile(const QString& path, const QByteArray& bytes, Go go, bool flush) {
+// A failure names the file `shown`.
+void putFile(const QString& path, const QString& shown, const QByteArray& bytes, Go go, bool flush) {
+    const QByteArray put = go == Go::All ? bytes : bytes.left(bytes.size() / 2);
+#if defined(Q_OS_UNIX)
+    const int fd = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (fd < 0)
+        writeFailed(shown, systemError(errno));
+    int error = writeAllAt(fd, put.constData(), put.size(), 0);
+    if (error == 0 && flush && ::fsync(fd) != 0)
+        error = errno;
+    if (::close(fd) != 0 && error == 0)
+        error = errno;
+    if (error != 0) {
+        QFile::remove(path);
+        writeFailed(shown, systemError(error));
+    }
+#else
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        writeFailed(path, file.errorString());
-    const QByteArray put = go == Go::All ? bytes : bytes.left(bytes.size() / 2);
+        writeFailed(shown, file.errorString());
     bool ok = file.write(put) == put.size() && file.flush();
-#if defined(Q_OS_UNIX)
-    if (ok && flush && ::fsync(file.handle()) != 0)
-        ok = false;
-#elif defined(Q_OS_WIN)
+#if defined(Q_OS_WIN)
     if (ok && flush && ::_commit(file.handle()) != 0)
         ok = false;
 #else
@@ -349,11 +364,12 @@ void putFile(const QString& path, const QByteArray& bytes, Go go, bool flush) {
                                                                 : file.errorString();
         file.close();
         QFile::remove(path);
-        writeFailed(path, why);
+        writeFailed(shown, why);
     }
     file.close();
+#endif
     if (go == Go::Half)
-        writeFailed(path, QStringLiteral("the store stopped"));
+        writeFailed(shown, QStringLiteral("the store stopped"));
 }
 
 } // namespace
@@ -361,7 +377,7 @@ void putFile(const QString& path, const QByteArray& bytes, Go go, bool flush) {
 void replaceFile(const QString& path, const QByteArray& bytes) {
     requireWritable(path);
     const QString temp = temporaryName(path);
-    putFile(temp, bytes, beginWrite(temp), true);
+    putFile(temp, path, bytes, beginWrite(temp), true);
     try {
         beginWrite(path);
     } catch (const Failure&) {
@@ -383,7 +399,7 @@ void replaceFile(const QString& path, const QByteArray& bytes) {
 
 void createFile(const QString& path, const QByteArray& bytes) {
     requireWritable(path);
-    putFile(path, bytes, beginWrite(path), false);
+    putFile(path, path, bytes, beginWrite(path), false);
 }
 
 void flushFiles(const QString& folder, const std::vector<QString>& paths) {

@@ -9,6 +9,9 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <csignal>
+#include <sys/resource.h>
+
 namespace {
 
 const auto Days = tradingDays(20050801, 20);  // 1 Aug .. 26 Aug 2005
@@ -191,4 +194,34 @@ TEST_F(StoreFaults, TheFirstCreateInAnEmptyFolderCanStopAtEveryWrite) {
         EXPECT_EQ(listed[0].symbol + listed[0].file, QStringLiteral("NEWF1.DAT"));  // a file left empty is taken over
         expectCheckedClean(folder);
     }, true);
+}
+
+// A disk that takes no more (the file size limit stands in for it): the writes fail with the
+// system's reason, and what was stored before stays.
+TEST_F(StoreFaults, ADiskThatTakesNoMoreLosesNothing) {
+    TempFolder folder;
+    makeBase(folder.path());
+    rlimit was{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &was), 0);
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit full = was;
+    full.rlim_cur = 600;   // the data files as they stand fit, a record more does not; EMASTER does not
+    QStringList failures;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &full), 0);
+    {
+        SecurityWriter w;
+        w.OpenFolder(folder.path());
+        for (const Step& step : DayOfUse)
+            failures << QString::fromStdString(failureText([&] { step(w); }));
+        failures << QString::fromStdString(failureText([&] { w.CloseFolder(); }));
+    }
+    setrlimit(RLIMIT_FSIZE, &was);
+    // Each step that failed says so for itself, with the file and the system's reason.
+    const std::pair<int, const char*> said[] = {{0, "(no failure)"}, {1, "F2.DAT could not be written: File too large. The change to AAA was not stored."},
+        {2, "(no failure)"}, {3, "F3.DAT could not be written: File too large. None of the 4 changes to BBB"}, {5, "(no failure)"},
+        {10, "EMASTER could not be written: File too large. The index was not written"}};
+    for (const auto& [step, text] : said)
+        EXPECT_TRUE(failures.value(step).contains(QString::fromLatin1(text))) << failures.join(u'\n').toStdString();
+    expectCheckedClean(folder.path());
+    expectNothingLost(folder.path());
 }
