@@ -66,6 +66,7 @@ TEST_F(Catalogue, TheWalkStartsAtLastFolderAndListsOnlyWhenTheFolderChanges) {
     EXPECT_EQ(folders->path(), QDir(temp.path()).absolutePath()) << "a click only selects";
     QTest::mouseDClick(folders->viewport(), Qt::LeftButton, {}, at);
     EXPECT_EQ(folders->path(), QDir(bare).absolutePath());
+    EXPECT_EQ(folders->currentIndex().data().toString(), "bare") << "the folder gone into is the one highlighted";
     EXPECT_EQ(adjust->securitiesList->count(), 0);
     EXPECT_FALSE(adjust->changeButton->isEnabled() || adjust->deleteButton->isEnabled());
 

@@ -84,6 +84,7 @@ TEST_F(Downloader, BrowseAddRemoveAndRemoveAll) {
         EXPECT_EQ(dlg.folderEdit->text(), typed);
     }
     EXPECT_EQ(rows(dlg.foldersList), QStringList({"/data/one", "/DATA/one", "/data/two\\"}));
+    EXPECT_EQ(dlg.foldersList->topLevelItem(2)->checkState(0), Qt::Unchecked);   // listed, not yet ticked
     ASSERT_EQ(platform_.boxes.size(), 1);
     expectBox(platform_.boxes[0], "Already Exists.", "Marrowfin");
 

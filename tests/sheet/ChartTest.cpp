@@ -257,7 +257,8 @@ TEST_F(ChartLoad, ThePaintedPictureIsTheList) {
     makeSecurity(temp.path(), "CND", "Candles", records);
     auto chart = shownChart(temp.path(), "CND");
     chart->candleOption->click();
-    const QImage image = chart->chartPicture->picture().toImage();
+    const QImage image = chart->chartPicture->grab().toImage();   // what the window shows
+    ASSERT_EQ(image.size(), chart->chartPicture->picture().size());
 
     std::vector<QuoteRecord> quotes;
     LoadChart(temp.path(), "CND", quotes);

@@ -135,4 +135,11 @@ TEST(Cli, CheckReportsEveryInconsistency) {
     // Two records of one day at different times are in order.
     const CliRun intraday = cli({"check", metastockFixture(QStringLiteral("intraday"))});
     EXPECT_EQ(intraday.status, 0) << intraday.out.toStdString();
+    // The same two the other way round are not.
+    TempFolder swapped;
+    ASSERT_TRUE(copyFixture("intraday", swapped.path()));
+    const QByteArray data = readFileBytes(swapped.file("F1.DAT"));
+    writeTextFile(swapped.file("F1.DAT"), data.left(28) + data.mid(56, 28) + data.mid(28, 28));
+    const CliRun out = cli({"check", swapped.path()});
+    EXPECT_TRUE(out.status == 1 && out.out.contains("1 records come before")) << out.out.toStdString();
 }

@@ -89,6 +89,11 @@ TEST(IndexBytes, NewSecurityIsWrittenAsTheVendorWritesIt) {
     EXPECT_EQ(emaster.mid(192).toHex(' '), (e + zeros(192 - e.size())).toHex(' '));
     const QByteArray data = readFileBytes(folder.file(QStringLiteral("F1.DAT")));
     EXPECT_EQ(data.toHex(' '), (QByteArray("\0\0\x02\0", 4) + zeros(24) + date + mbf(1) + mbf(2) + mbf(0.5f) + mbf(1.5f) + mbf(100) + zeros(4)).toHex(' '));
+    // A record added later moves the last date in both index files, and nothing else.
+    writeFolder(folder.path(), [](SecurityWriter& w) { w.OpenSecurity(QStringLiteral("ABC")), w.AddQuote(19970924, -1, 1, 2, 0.5, 1.5, 100, -1); });
+    e.replace(72, 4, ieee(970924.0f));
+    EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("EMASTER"))).mid(192).toHex(' '), (e + zeros(192 - e.size())).toHex(' '));
+    EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("MASTER"))).mid(53).toHex(' '), QByteArray(master.mid(53)).replace(29, 4, mbf(970924.0f)).toHex(' '));
 }
 
 TEST(IndexBytes, TextIsWindows1252AndACutNameEndsInNul) {
@@ -155,6 +160,10 @@ TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
         }
     }
     EXPECT_EQ(readBars(folder.path(), sym(300)).back(), (Bar{20050802, 301, 301, 301, 301, 301}));
+    // A record added later moves XMASTER's last date, and nothing else of the record.
+    writeFolder(folder.path(), [](SecurityWriter& w) { w.OpenSecurity(sym(256)); addBars(w, {barOf(20050803)}); w.CloseSecurity(); });
+    x.replace(x.size() - 4, 4, i32le(20050803));
+    EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("XMASTER"))).mid(150, 150).toHex(' '), (x + zeros(150 - x.size())).toHex(' '));
     // The MASTER record of a long name holds its first 16 characters.
     EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("MASTER"))).mid(50 * 53 + 7, 16), longName.left(16).toLatin1());
     // Numbers run to 65535; past it, or with F65535.MWD taken by another file, the folder is full.
