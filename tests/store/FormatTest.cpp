@@ -89,11 +89,17 @@ TEST(IndexBytes, NewSecurityIsWrittenAsTheVendorWritesIt) {
     EXPECT_EQ(emaster.mid(192).toHex(' '), (e + zeros(192 - e.size())).toHex(' '));
     const QByteArray data = readFileBytes(folder.file(QStringLiteral("F1.DAT")));
     EXPECT_EQ(data.toHex(' '), (QByteArray("\0\0\x02\0", 4) + zeros(24) + date + mbf(1) + mbf(2) + mbf(0.5f) + mbf(1.5f) + mbf(100) + zeros(4)).toHex(' '));
-    // A record added later moves the last date in both index files, and nothing else.
-    writeFolder(folder.path(), [](SecurityWriter& w) { w.OpenSecurity(QStringLiteral("ABC")), w.AddQuote(19970924, -1, 1, 2, 0.5, 1.5, 100, -1); });
-    e.replace(72, 4, ieee(970924.0f));
+    // A record added later, the first one deleted, the symbol changed: those fields move in both
+    // index files, and nothing else.
+    writeFolder(folder.path(), [](SecurityWriter& w) {
+        w.OpenSecurity(QStringLiteral("ABC")), w.AddQuote(19970924, -1, 1, 2, 0.5, 1.5, 100, -1), w.DeleteQuote(QStringLiteral("19970923"));
+        w.ChangeSecurity(QStringLiteral("ABC"), QStringLiteral("ABC CORP"), QStringLiteral("ABD"));
+    });
+    const QByteArray day = ieee(970924.0f);
+    e.replace(11, 3, "ABD").replace(64, 4, day).replace(72, 4, day).replace(126, 4, i32le(19970924));
     EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("EMASTER"))).mid(192).toHex(' '), (e + zeros(192 - e.size())).toHex(' '));
-    EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("MASTER"))).mid(53).toHex(' '), QByteArray(master.mid(53)).replace(29, 4, mbf(970924.0f)).toHex(' '));
+    EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("MASTER"))).mid(53).toHex(' '),
+              QByteArray(master.mid(53)).replace(36, 3, "ABD").replace(25, 4, mbf(970924.0f)).replace(29, 4, mbf(970924.0f)).toHex(' '));
 }
 
 TEST(IndexBytes, TextIsWindows1252AndACutNameEndsInNul) {
@@ -160,9 +166,9 @@ TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
         }
     }
     EXPECT_EQ(readBars(folder.path(), sym(300)).back(), (Bar{20050802, 301, 301, 301, 301, 301}));
-    // A record added later moves XMASTER's last date, and nothing else of the record.
-    writeFolder(folder.path(), [](SecurityWriter& w) { w.OpenSecurity(sym(256)); addBars(w, {barOf(20050803)}); w.CloseSecurity(); });
-    x.replace(x.size() - 4, 4, i32le(20050803));
+    // A record added later and the first one deleted move XMASTER's dates, and nothing else of the record.
+    writeFolder(folder.path(), [](SecurityWriter& w) { w.OpenSecurity(sym(256)), addBars(w, {barOf(20050803)}), w.DeleteQuote(QStringLiteral("20050801")); });
+    x.replace(104, 4, i32le(20050802)).replace(108, 4, i32le(20050802)).replace(x.size() - 4, 4, i32le(20050803));
     EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("XMASTER"))).mid(150, 150).toHex(' '), (x + zeros(150 - x.size())).toHex(' '));
     // The MASTER record of a long name holds its first 16 characters.
     EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("MASTER"))).mid(50 * 53 + 7, 16), longName.left(16).toLatin1());
