@@ -63,18 +63,16 @@ void DownloadRun::release() {
 }
 
 template <typename Step>
-bool DownloadRun::step(Step&& action) {
+void DownloadRun::step(Step&& action) {
     if (!fetchReached_) {
         std::forward<Step>(action)();
-        return true;
+        return;
     }
     try {
         std::forward<Step>(action)();
-        return true;
     } catch (const Failure& failure) {
         if (ItemFailure.isEmpty())
             ItemFailure = failure.Description;
-        return false;
     }
 }
 

@@ -68,9 +68,10 @@ private:
     SecurityWriter& writer();
     DailyQuotes& fetcher();
     void release();
-    // Runs one step: before the first fetch a failure ends the run, from then on it is passed over.
+    // Runs one step: before the first fetch a failure ends the run, from then on it is passed over
+    // (the first such failure of a security is kept in ItemFailure).
     template <typename Step>
-    bool step(Step&& action);
+    void step(Step&& action);
 
     Inet& connection_;
     DownloadListener& listener_;

@@ -19,14 +19,17 @@ const QString Success = "Securities are created successfully.";
 class CreateNewSymbols : public SheetFixture {
 protected:
     // Types a symbol into New Symbol, which stands in the middle of the screen, key by key and
-    // presses OK (or Close).
+    // presses OK (or Close; with none, Enter).
     static void typeSymbol(CreateSymbolsDialog& dialog, const QString& text, const char* button = "okButton") {
         onNextModal([text, button](QWidget* prompt) {
             EXPECT_LE((prompt->frameGeometry().center() - prompt->screen()->geometry().center()).manhattanLength(), 2);
             auto* box = child<QLineEdit>(prompt, "symbolEdit");
             box->setFocus();
             QTest::keyClicks(box, text);
-            child<QPushButton>(prompt, button)->click();
+            if (button)
+                child<QPushButton>(prompt, button)->click();
+            else
+                QTest::keyClick(box, Qt::Key_Return);
         });
         dialog.newSymbolButton->click();
     }
@@ -151,12 +154,12 @@ TEST_F(CreateNewSymbols, AnEmptyFolderOpensTheChooserAndACancelledChooserEmpties
     EXPECT_EQ(sharedState().LastFolder, QString());
 }
 
-// New Symbol adds only what was typed and confirmed, trimmed; Symbol Lookup adds SelectedSymbols,
+// New Symbol adds only what was typed and confirmed (OK or Enter), trimmed; Symbol Lookup adds SelectedSymbols,
 // also after Close, so that the picks of an earlier Select come in once more.
 TEST_F(CreateNewSymbols, TheListTakesTypedAndPickedSymbols) {
     loadSymbolList(platform, "NSE,INFY.NS,Infosys\nNSE,TCS.NS,Tata Consultancy\nNSE,WIPRO.NS,Wipro\n");
     CreateSymbolsDialog dialog;
-    typeSymbol(dialog, "AAA");
+    typeSymbol(dialog, "AAA", nullptr);
     typeSymbol(dialog, "BBB", "closeButton");
     EXPECT_EQ(handOvers().NewSymbol, QString());
     for (const char* typed : {"    ", "", "  ccc d ", " FIFTEEN.CHARS.X "})   // the store takes 14 characters
