@@ -187,33 +187,41 @@ TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
     EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("XMASTER"))).size(), 150);
 }
 
-// A security of five fields (no open, no open interest) in a folder of MASTER alone, as older
-// programs write it: read as it lies, and a record added leaves every record whole.
-TEST(IndexBytes, FiveFieldSecuritiesAreReadAndWrittenWhole) {
-    TempFolder folder;
-    makeSecurity(folder.path(), QStringLiteral("AAA"), {});
-    ASSERT_TRUE(QFile::remove(folder.file(QStringLiteral("EMASTER"))));
-    QByteArray master = readFileBytes(folder.file(QStringLiteral("MASTER")));
-    master[53 + 3] = 20;
-    master[53 + 4] = 5;
-    writeTextFile(folder.file(QStringLiteral("MASTER")), master);
-    QByteArray data = zeros(20);
-    data[2] = 3;
-    for (const Bar& b : {barOf(20050801), barOf(20050802)})
-        data += mbf(float(b.date - 19000000)) + mbf(float(b.high)) + mbf(float(b.low)) + mbf(float(b.close)) + mbf(float(b.volume));
-    writeTextFile(folder.file(QStringLiteral("F1.DAT")), data);
-    const auto withoutOpen = [](std::vector<Bar> bars) {
-        for (Bar& b : bars)
-            b.open = 0;
-        return bars;
-    };
-    EXPECT_EQ(readBars(folder.path(), QStringLiteral("AAA")), withoutOpen(barsOf({20050801, 20050802})));
-    writeFolder(folder.path(), [](SecurityWriter& w) {
-        w.OpenSecurity(QStringLiteral("AAA"));
-        addBars(w, {barOf(20050803)});
-    });
-    EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("F1.DAT"))).size(), 4 * 20);
-    EXPECT_EQ(readBars(folder.path(), QStringLiteral("AAA")), withoutOpen(barsOf({20050801, 20050802, 20050803})));
+// Securities of 5 fields (no open, no open interest) and of 8 (a time, then an open interest) in a
+// folder of MASTER alone, as older programs write them: read as they lie, and a record added leaves
+// every record whole.
+TEST(IndexBytes, FiveAndEightFieldSecuritiesAreReadAndWrittenWhole) {
+    for (const int fields : {5, 8}) {
+        SCOPED_TRACE(fields);
+        TempFolder folder;
+        makeSecurity(folder.path(), QStringLiteral("AAA"), {});
+        ASSERT_TRUE(QFile::remove(folder.file(QStringLiteral("EMASTER"))));
+        QByteArray master = readFileBytes(folder.file(QStringLiteral("MASTER")));
+        master[53 + 3] = char(4 * fields);
+        master[53 + 4] = char(fields);
+        writeTextFile(folder.file(QStringLiteral("MASTER")), master);
+        QByteArray data = zeros(4 * fields);
+        data[2] = 3;
+        for (const Bar& b : {barOf(20050801), barOf(20050802)}) {
+            data += mbf(float(b.date - 19000000)) + (fields == 8 ? mbf(93000) + mbf(float(b.open)) : QByteArray());
+            data += mbf(float(b.high)) + mbf(float(b.low)) + mbf(float(b.close)) + mbf(float(b.volume)) + (fields == 8 ? mbf(77) : QByteArray());
+        }
+        writeTextFile(folder.file(QStringLiteral("F1.DAT")), data);
+        const auto read = [&](std::vector<Bar> bars) {
+            for (Bar& b : bars)
+                b.open = fields == 5 ? 0 : b.open;
+            return bars;
+        };
+        EXPECT_EQ(readBars(folder.path(), QStringLiteral("AAA")), read(barsOf({20050801, 20050802})));
+        writeFolder(folder.path(), [](SecurityWriter& w) {
+            w.OpenSecurity(QStringLiteral("AAA"));
+            addBars(w, {barOf(20050803)});
+        });
+        const QByteArray now = readFileBytes(folder.file(QStringLiteral("F1.DAT")));
+        EXPECT_EQ(now.size(), 4 * 4 * fields);
+        EXPECT_EQ(now.mid(4 * fields, 8 * fields).toHex(' '), data.mid(4 * fields).toHex(' '));
+        EXPECT_EQ(readBars(folder.path(), QStringLiteral("AAA")), read(barsOf({20050801, 20050802, 20050803})));
+    }
 }
 
 // What a file of a folder can be instead of a file the format allows.
