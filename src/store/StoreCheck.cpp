@@ -20,6 +20,11 @@ void note(std::vector<Finding>& out, const QString& text) { out.push_back({false
 
 QString dateText(qint32 d) { return QString::number(d); }
 
+// "1 record", "3 records".
+QString counted(int n, const char* one, const char* many) {
+    return QString::number(n) + u' ' + QLatin1String(n == 1 ? one : many);
+}
+
 void checkRecords(std::vector<Finding>& out, const Folder& folder, const Security& s) {
     const QString file = s.dataFileName();
     const QString path = folder.dataPath(s);
@@ -61,12 +66,15 @@ void checkRecords(std::vector<Finding>& out, const Folder& folder, const Securit
             ++outOfOrder;
     }
     if (badDates > 0)
-        problem(out, QStringLiteral("%1: %2 records with a date that names no day (first: %3)")
-                         .arg(who).arg(badDates).arg(firstBad));
+        problem(out, QStringLiteral("%1: %2 (first: %3)")
+                         .arg(who, counted(badDates, "record with a date that names no day", "records with a date that names no day"))
+                         .arg(firstBad));
     if (outOfOrder > 0)
-        problem(out, QStringLiteral("%1: %2 records come before the record ahead of them").arg(who).arg(outOfOrder));
+        problem(out, who + QStringLiteral(": ") + counted(outOfOrder, "record comes before the record ahead of it",
+                                                           "records come before the record ahead of them"));
     if (doubled > 0)
-        problem(out, QStringLiteral("%1: %2 records repeat the date of the record ahead of them").arg(who).arg(doubled));
+        problem(out, who + QStringLiteral(": ") + counted(doubled, "record repeats the date of the record ahead of it",
+                                                           "records repeat the date of the record ahead of them"));
 
     if (!records.empty()) {
         const DataSummary sum = summaryOf(records, layout.time);
@@ -103,7 +111,7 @@ std::vector<Finding> checkFolder(const QString& folderPath) {
                 note(out, QStringLiteral("EMASTER: no record for %1").arg(s.dataFileName()));
         const int ecount = int(quint8(index.emasterHeader[0]) | (quint8(index.emasterHeader[1]) << 8));
         if (ecount != index.masterCount())
-            note(out, QStringLiteral("EMASTER: %1 records, MASTER %2").arg(ecount).arg(index.masterCount()));
+            note(out, QStringLiteral("EMASTER: %1, MASTER %2").arg(counted(ecount, "record", "records")).arg(index.masterCount()));
     }
 
     QHash<QString, QString> symbols;

@@ -129,8 +129,8 @@ TEST(Cli, CheckReportsEveryInconsistency) {
     REQUIRE_FIXTURE("third-party");
     const CliRun r = cli({"check", metastockFixture(QStringLiteral("third-party"))});
     EXPECT_EQ(r.status, 1);
-    EXPECT_TRUE(r.out.contains(QStringLiteral("problem: F15.DAT (OV): 1 records come before the record ahead of them"))) << r.out.toStdString();
-    EXPECT_TRUE(r.out.contains(QStringLiteral("problem: F15.DAT (OV): 1 records repeat the date")));
+    EXPECT_TRUE(r.out.contains(QStringLiteral("problem: F15.DAT (OV): 1 record comes before the record ahead of it"))) << r.out.toStdString();
+    EXPECT_TRUE(r.out.contains(QStringLiteral("problem: F15.DAT (OV): 1 record repeats the date of the record ahead of it")));
     EXPECT_TRUE(r.out.contains(QStringLiteral("note: MASTER: 53 bytes past its last security record")));
     // Two records of one day at different times are in order.
     const CliRun intraday = cli({"check", metastockFixture(QStringLiteral("intraday"))});
@@ -141,5 +141,11 @@ TEST(Cli, CheckReportsEveryInconsistency) {
     const QByteArray data = readFileBytes(swapped.file("F1.DAT"));
     writeTextFile(swapped.file("F1.DAT"), data.left(28) + data.mid(56, 28) + data.mid(28, 28));
     const CliRun out = cli({"check", swapped.path()});
-    EXPECT_TRUE(out.status == 1 && out.out.contains("1 records come before")) << out.out.toStdString();
+    EXPECT_TRUE(out.status == 1 && out.out.contains("1 record comes before")) << out.out.toStdString();
+    // An EMASTER that counts fewer securities than MASTER.
+    TempFolder counted;
+    ASSERT_TRUE(copyFixture("vendor-small", counted.path()));
+    writeTextFile(counted.file("EMASTER"), readFileBytes(counted.file("EMASTER")).replace(0, 1, "\x01"));
+    const CliRun short_ = cli({"check", counted.path()});
+    EXPECT_TRUE(short_.out.contains("note: EMASTER: no record for F2.DAT\nnote: EMASTER: 1 record, MASTER 2\n")) << short_.out.toStdString();
 }
