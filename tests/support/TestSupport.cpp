@@ -7,6 +7,7 @@
 #include <QComboBox>
 #include <QDirIterator>
 #include <QLabel>
+#include <QProgressBar>
 #include <QLineEdit>
 #include <QFile>
 #include <QFileInfo>
@@ -84,7 +85,7 @@ void expectControlsLaidOut(QWidget* screen) {
             return true;
         return !w->objectName().isEmpty() &&
                (qobject_cast<QLineEdit*>(w) || qobject_cast<QAbstractButton*>(w) || qobject_cast<QLabel*>(w) ||
-                qobject_cast<QAbstractItemView*>(w) || qobject_cast<QComboBox*>(w));
+                qobject_cast<QAbstractItemView*>(w) || qobject_cast<QComboBox*>(w) || qobject_cast<QProgressBar*>(w));
     };
     const auto nameOf = [&](QWidget* w) { return (w->objectName().isEmpty() ? label(w) : w->objectName()).toStdString(); };
     // A control that no layout took in has no screen at all.
