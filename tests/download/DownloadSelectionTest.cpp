@@ -58,14 +58,14 @@ TEST_F(Downloader, FoldersFileRoundTrip) {
     EXPECT_EQ(readFileBytes(foldersFile()), "");
 
     // Fields end at a comma or a line end; a quoted field runs to its closing quote.
-    writeTextFile(foldersFile(), "C:\\Data\\Stocks\n/data/x,y\r\n   /lead  \r\n\"/quoted, with comma\" \r\n\r\n/last");
+    writeTextFile(foldersFile(), "C:\\Data\\Stocks\n/data/x,y\r\n   /lead  \r\n\"/quoted, with comma\" \r\n\r\n\"/ends,\"\n/last");
     {
         DownloaderDialog dlg;
-        EXPECT_EQ(rows(dlg.foldersList), QStringList({"C:\\Data\\Stocks", "/data/x", "y", "/lead  ", "/quoted, with comma", "", "/last"}));
+        EXPECT_EQ(rows(dlg.foldersList), QStringList({"C:\\Data\\Stocks", "/data/x", "y", "/lead  ", "/quoted, with comma", "", "/ends,", "/last"}));
         EXPECT_EQ(dlg.foldersList->topLevelItem(0)->checkState(0), Qt::Unchecked);
         dlg.closeButton->click();
     }
-    EXPECT_EQ(readFileBytes(foldersFile()), "C:\\Data\\Stocks\r\n/data/x\r\ny\r\n/lead\r\n/quoted, with comma\r\n\r\n/last\r\n");
+    EXPECT_EQ(readFileBytes(foldersFile()), "C:\\Data\\Stocks\r\n/data/x\r\ny\r\n/lead\r\n/quoted, with comma\r\n\r\n/ends,\r\n/last\r\n");
 }
 
 TEST_F(Downloader, BrowseAddRemoveAndRemoveAll) {
