@@ -96,7 +96,9 @@ TEST_F(Catalogue, TheWalkStartsAtLastFolderAndListsOnlyWhenTheFolderChanges) {
     const QString one = temp.sub("one");
     makeSecurity(one, "ONE", "One", {});
     remove->folderList->setPath(one);
-    EXPECT_TRUE(remove->deleteButton->isEnabled()) << "one security is enough";
+    adjust->folderList->setPath(one);
+    EXPECT_TRUE(remove->deleteButton->isEnabled() && adjust->changeButton->isEnabled() && adjust->deleteButton->isEnabled())
+        << "one security is enough";
     remove->folderList->setPath(data);
     EXPECT_EQ(remove->securitiesList->count(), 3);
 

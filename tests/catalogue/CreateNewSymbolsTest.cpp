@@ -23,6 +23,7 @@ protected:
     static void typeSymbol(CreateSymbolsDialog& dialog, const QString& text, const char* button = "okButton") {
         onNextModal([text, button](QWidget* prompt) {
             EXPECT_LE((prompt->frameGeometry().center() - prompt->screen()->geometry().center()).manhattanLength(), 2);
+            expectControlsLaidOut(prompt);
             auto* box = child<QLineEdit>(prompt, "symbolEdit");
             box->setFocus();
             QTest::keyClicks(box, text);

@@ -39,6 +39,7 @@ TEST_F(SymbolLookup, OpensOnTheFirstGroupAndSelectHandsBackThePickedLines) {
     EXPECT_EQ(groups(dialog.groupsCombo), (QStringList{"NSE", "NYSE", "Indices, India"}));
     EXPECT_EQ(lines(dialog.namesList), (QStringList{"Infosys", "Tata Consultancy Services", "Wipro"}));
     EXPECT_EQ(dialog.namesList->selectedItems().value(0)->text(), "Infosys");
+    EXPECT_EQ(dialog.focusWidget(), dialog.namesList) << "the arrow keys go to the list";
     EXPECT_EQ(dialog.symbolEdit->text(), "INFY.NS");
     EXPECT_FALSE(dialog.noSymbolsLabel->isVisible());
     const auto click = [&](int row, Qt::KeyboardModifiers modifiers) {   // as the user clicks
