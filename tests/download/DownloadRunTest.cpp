@@ -30,6 +30,7 @@ TEST_F(DownloadRunScreen, TheListFollowsItsNewestLine) {
     dlg.load();   // shows the window and runs
     QApplication::processEvents();
     ASSERT_EQ(dlg.resultsList->count(), 40);
+    expectControlsLaidOut(&dlg);
     const QRect last = dlg.resultsList->visualItemRect(dlg.resultsList->item(39));
     EXPECT_TRUE(dlg.resultsList->viewport()->rect().contains(last)) << last.y();
     EXPECT_GT(dlg.resultsList->verticalScrollBar()->value(), 0);

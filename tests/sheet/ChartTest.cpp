@@ -151,6 +151,7 @@ protected:
         chart->load();
         chart->show();
         QApplication::processEvents();
+        expectControlsLaidOut(chart.get());
         return chart;
     }
     static bool allWhite(const ChartWindow& chart) {

@@ -1,6 +1,7 @@
 // The progress window of long reads, offscreen.
 #include "store/ui/ReadProgressWindow.h"
 #include "support/Modal.h"
+#include "support/TestSupport.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -35,6 +36,7 @@ TEST_F(ReadProgressWindowTest, ShowsBarCaptionAndMessageAndGoesAwayWhenHiddenOrR
         progress->StepIt();  // a step of 1 unless told otherwise
     QWidget* window = shownProgressWindow();
     ASSERT_NE(window, nullptr);
+    expectControlsLaidOut(window);
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Read Security data..."));
     EXPECT_EQ(child<QLabel>(window, QStringLiteral("lblMessage"))->text(), QStringLiteral("Progress...."));
     EXPECT_EQ(child<QPushButton>(window, QStringLiteral("cancelButton"))->text(), QStringLiteral("Cancel"));

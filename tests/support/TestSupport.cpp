@@ -7,11 +7,14 @@
 #include <QComboBox>
 #include <QDirIterator>
 #include <QLabel>
+#include <QLayout>
 #include <QProgressBar>
 #include <QLineEdit>
 #include <QFile>
 #include <QFileInfo>
 #include <QSysInfo>
+
+#include <functional>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -97,6 +100,16 @@ void expectControlsLaidOut(QWidget* screen) {
         if (isControl(control) && control->isVisibleTo(screen))
             controls << control;
     EXPECT_FALSE(controls.isEmpty()) << nameOf(screen);
+    // Where a control's parent lays out its children, the control is one of them.
+    const std::function<bool(QLayout*, QWidget*)> holds = [&](QLayout* layout, QWidget* w) {
+        for (int i = 0; i < layout->count(); ++i)
+            if (layout->itemAt(i)->widget() == w || (layout->itemAt(i)->layout() && holds(layout->itemAt(i)->layout(), w)))
+                return true;
+        return false;
+    };
+    for (QWidget* control : controls)
+        if (QLayout* layout = control->parentWidget()->layout())
+            EXPECT_TRUE(holds(layout, control)) << nameOf(control) << " is in no layout";
     const auto area = [screen](QWidget* w) { return QRect(w->mapTo(screen, QPoint(0, 0)), w->size()); };
     for (QWidget* a : controls) {
         EXPECT_TRUE(screen->rect().contains(area(a))) << nameOf(a) << " lies outside";
