@@ -148,7 +148,6 @@ QString notRegular() { return QStringLiteral("it is not a regular file"); }
 #ifdef Q_OS_UNIX
 QString systemError(int error) { return QString::fromLocal8Bit(std::strerror(error)); }
 
-#ifdef Q_OS_UNIX
 // Writes `size` bytes at `offset`; 0 when all went, else the system's error number.
 int writeAllAt(int fd, const char* data, qsizetype size, qint64 offset) {
     qsizetype done = 0;
@@ -162,7 +161,6 @@ int writeAllAt(int fd, const char* data, qsizetype size, qint64 offset) {
     }
     return 0;
 }
-#endif
 
 // Flushes a file or a folder to the disk.
 bool flushPath(const QByteArray& path, int flags) {
