@@ -57,6 +57,8 @@ TEST_F(Catalogue, TheWalkStartsAtLastFolderAndListsOnlyWhenTheFolderChanges) {
     folders->setCurrentItem(entry(QDir(temp.path()).dirName()));
     QTest::keyClick(folders, Qt::Key_Right);
     EXPECT_EQ(folders->path(), QDir(data).absolutePath()) << "only Enter goes into a folder";
+    QTest::keyClick(folders, Qt::Key_Down);
+    EXPECT_NE(folders->currentItem(), entry(QDir(temp.path()).dirName())) << "the arrows move through the list";
     folders->setCurrentItem(entry(QDir(temp.path()).dirName()));
     QTest::keyClick(folders, Qt::Key_Return);
     EXPECT_EQ(folders->path(), QDir(temp.path()).absolutePath());
