@@ -26,7 +26,7 @@ TEST(ReadSymbolsFile, ReadsEntriesWithTheRulesOfCommaSeparatedText) {
     const struct { const char* file; QStringList expected; } cases[] = {  // file nullptr: no symbols.csv at all
         {"G,S,\"The \"\"Big\"\" One\"\n\"A, B\",\"X\",\"Amazon.com, Inc.\"\n", {"G|S|The \"Big\" One", "A, B|X|Amazon.com, Inc."}},  // quoted
         {"  Dow ,  AAPL , Apple Inc.   \n\t Idx\t,^DJI,\" Dow \" \n", {"Dow|AAPL|Apple Inc.", "Idx|^DJI|Dow"}},  // blanks trimmed
-        {"A,B,C\r\n\r\n   \r\nD,E,F", {"A|B|C", "D|E|F"}},           // CR LF, blank lines, no line end at the end
+        {"\r\n \nA,B,C\r\n\r\n   \r\nD,E,F", {"A|B|C", "D|E|F"}},   // CR LF, blank lines, no line end at the end
         {"A,B,C\nD,E", {"A|B|C", "D|E|"}}, {"A,B,C\nD\n", {"A|B|C", "D||"}},  // ragged last lines
         {"A,B,\"never closed\nC,D,E\n", {"A|B|never closed\nC,D,E"}},
         {"Group,Symbol,Name\nA,B,C\n", {"Group|Symbol|Name", "A|B|C"}},  // every line is an entry
