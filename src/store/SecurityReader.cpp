@@ -30,7 +30,8 @@ struct SecurityReader::Impl {
         return i;
     }
     const Security& security(const char* operation) const {
-        return folder->index.securities[size_t(current(operation))];
+        const int i = current(operation);   // refuses first when there is no folder
+        return folder->index.securities[size_t(i)];
     }
     const Record& record(const char* operation) const {
         if (!records || recordCursor < 0)
