@@ -58,11 +58,13 @@ QStringList read() {
     return delimitedFields(file.readAll());
 }
 
+QString writtenPath() { return ownFileForWriting(FileName); }
+
 bool write(const QStringList& folders) {
     QByteArray bytes;
     for (const QString& folder : folders)
         bytes += folder.trimmed().toUtf8() + "\r\n";
-    QSaveFile file(ownFileForWriting(FileName));
+    QSaveFile file(writtenPath());
     if (!file.open(QIODevice::WriteOnly))
         return false;
     if (file.write(bytes) != bytes.size()) {

@@ -13,6 +13,8 @@ QStringList read();
 // Writes the paths, each trimmed, one per line; an empty list gives an empty file. Returns
 // false when the file could not be written.
 bool write(const QStringList& folders);
+// Where write() puts the file.
+QString writtenPath();
 
 // The field reading on its own.
 QStringList delimitedFields(const QByteArray& bytes);

@@ -66,6 +66,11 @@ TEST_F(Downloader, FoldersFileRoundTrip) {
         dlg.closeButton->click();
     }
     EXPECT_EQ(readFileBytes(foldersFile()), "C:\\Data\\Stocks\r\n/data/x\r\ny\r\n/lead\r\n/quoted, with comma\r\n\r\n/ends,\r\n/last\r\n");
+    // A list that cannot be saved is said so.
+    ASSERT_TRUE(QFile::remove(foldersFile()) && QDir().mkdir(foldersFile()));
+    DownloaderDialog().reject();
+    ASSERT_EQ(platform_.boxes.size(), 1);
+    expectBox(platform_.boxes[0], "The list of folders could not be saved in " + foldersFile() + ".", "Marrowfin", MsgIcon::Critical);
 }
 
 TEST_F(Downloader, BrowseAddRemoveAndRemoveAll) {

@@ -70,11 +70,11 @@ inline CliRun cli(const QStringList& arguments) {
     return {status, outText.split(u'\n', Qt::SkipEmptyParts), errText};
 }
 
-// A message box as the test expects it: information style.
-inline void expectBox(const ShownBox& box, const QString& text, const QString& title) {
+// A message box as the test expects it: information style unless told.
+inline void expectBox(const ShownBox& box, const QString& text, const QString& title, MsgIcon icon = MsgIcon::Information) {
     EXPECT_EQ(box.text, text);
     EXPECT_EQ(box.title, title);
-    EXPECT_EQ(box.icon, MsgIcon::Information);
+    EXPECT_EQ(box.icon, icon);
 }
 
 inline QStringList lines(const QListWidget* list) {

@@ -373,6 +373,13 @@ TEST_F(NseRun, CommandLineWalksBetweenTheDaysGivenAndKeepsValuesAsTheScreenDoes)
     const QString said = platform_.boxTexts().join('|');   // the box, on standard error outside the tests
     EXPECT_TRUE(said.contains("could not be stored") && said.contains("MASTER is read-only")) << said.toStdString();
     EXPECT_EQ(valuesFile(), valuesText({2026, 11, 5}));
+    // So does a security of the folder that cannot be opened.
+    ASSERT_TRUE(QFile::setPermissions(folder + "/MASTER", QFile::ReadOwner | QFile::WriteOwner));
+    ASSERT_TRUE(QFile::remove(folder + "/F1.DAT") && QDir(folder).mkdir("F1.DAT"));
+    platform_.boxes.clear();
+    EXPECT_EQ(cli({"download", "bhavcopy", folder, "--to", "20261106"}).status, 1);
+    EXPECT_TRUE(platform_.boxTexts().join('|').contains("could not be stored")) << platform_.boxTexts().join('|').toStdString();
+    EXPECT_EQ(valuesFile(), valuesText({2026, 11, 5}));
     r = cli({"download", "bhavcopy", temp.path() + "/nowhere"});
     EXPECT_TRUE(r.status == 1 && r.err.contains("/nowhere does not exist")) << r.err.toStdString();
 }

@@ -12,6 +12,7 @@
 #include "store/SecurityReader.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -179,7 +180,10 @@ void DownloaderDialog::unload() {
     QStringList folders;
     for (int i = 0; i < foldersList->topLevelItemCount(); ++i)
         folders << foldersList->topLevelItem(i)->text(0);
-    FoldersFile::write(folders);
+    if (!FoldersFile::write(folders))
+        MsgBox(QStringLiteral("The list of folders could not be saved in %1.")
+                   .arg(QDir::toNativeSeparators(FoldersFile::writtenPath())),
+               MsgIcon::Critical, QStringLiteral("Marrowfin"));
 }
 
 void DownloaderDialog::done(int result) {
