@@ -142,6 +142,8 @@ TEST(Cli, CheckReportsEveryInconsistency) {
     writeTextFile(swapped.file("F1.DAT"), data.left(28) + data.mid(56, 28) + data.mid(28, 28));
     const CliRun out = cli({"check", swapped.path()});
     EXPECT_TRUE(out.status == 1 && out.out.contains("1 record comes before")) << out.out.toStdString();
+    writeTextFile(swapped.file("F1.DAT"), data.left(56) + data.mid(28, 28));   // one bar twice
+    EXPECT_TRUE(cli({"check", swapped.path()}).out.contains("1 record repeats the date of the record ahead of it"));
     // An EMASTER that counts fewer securities than MASTER.
     TempFolder counted;
     ASSERT_TRUE(copyFixture("vendor-small", counted.path()));
