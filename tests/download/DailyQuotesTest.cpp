@@ -110,6 +110,7 @@ TEST_F(QuotesFetcher, AFailedTransferIsErrorThreeAndAnOversizedReplyNoData) {
     cut.closeMidBody = true;
     LoopbackReply slow = LoopbackReply::ok(Header + "2005-08-05,10,11,9,10.5,100,10.5\n");
     slow.delayMs = 10 * 60 * 1000;   // a server that never answers
+    inet.RequestTimeoutMs = 10 * 60 * 1000;
     QTimer::singleShot(100, [&] { inet.Cancel(); });   // the user stops the run meanwhile
     EXPECT_EQ(fetch(slow), 3);
     inet.RequestTimeoutMs = 300;
