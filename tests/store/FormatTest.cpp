@@ -172,6 +172,18 @@ TEST(IndexBytes, ThreeHundredSecuritiesCrossIntoXmaster) {
     EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("XMASTER"))).mid(150, 150).toHex(' '), (x + zeros(150 - x.size())).toHex(' '));
     // The MASTER record of a long name holds its first 16 characters.
     EXPECT_EQ(readFileBytes(folder.file(QStringLiteral("MASTER"))).mid(50 * 53 + 7, 16), longName.left(16).toLatin1());
+    // A security made in a freed MASTER place stands before XMASTER's in the list; in the same
+    // session every symbol still finds its own security.
+    writeFolder(folder.path(), [](SecurityWriter& w) { w.DeleteSecurity(sym(10)); });
+    writeFolder(folder.path(), [](SecurityWriter& w) {
+        w.CreateSecurity(QStringLiteral("NEW"), QStringLiteral("NEW"), 1);
+        w.CloseSecurity();
+        EXPECT_TRUE(w.SymbolExists(QStringLiteral("NEW")));
+        w.OpenSecurity(sym(300)), addBars(w, {barOf(20050805)}), w.CloseSecurity();
+    });
+    EXPECT_EQ(readDates(folder.path(), sym(300)).back(), 20050805);
+    EXPECT_EQ(readDates(folder.path(), sym(299)).back(), 20050802);
+    EXPECT_EQ(listFolder(folder.path())[254].file, QStringLiteral("F10.DAT"));
     // Numbers run to 65535; past it, or with F65535.MWD taken by another file, the folder is full.
     writeTextFile(folder.file(QStringLiteral("XMASTER")), xmaster.replace(18, 2, "\xFF\xFF"));
     writeTextFile(folder.file(QStringLiteral("F65535.MWD")), zeros(100));
