@@ -336,6 +336,10 @@ TEST(StoreWriting, AFolderAnotherProgramWritesIsRefusedUntilItLetsGo) {
         EXPECT_TRUE(contains(text, "is being written by brindlemark-cli (process 4242)")) << text;
         EXPECT_EQ(readDates(folder.path(), AAA), Dates{20050801});  // reading goes on as ever
     }
+    {  // a holder on another machine of the network is named with it
+        const ForeignLockHolder other(folder.path(), QStringLiteral("fileserver"));
+        EXPECT_TRUE(contains(failureText([&] { SecurityWriter().OpenFolder(folder.path()); }), "brindlemark-cli (process 4242 on fileserver)"));
+    }
     {  // two writers of this program share the folder, and the lock goes with the last of them
         SecurityWriter first, second;
         first.OpenFolder(folder.path());

@@ -121,9 +121,9 @@ void expectControlsLaidOut(QWidget* screen) {
     }
 }
 
-ForeignLockHolder::ForeignLockHolder(const QString& folder) {
+ForeignLockHolder::ForeignLockHolder(const QString& folder, const QString& host) {
     const QByteArray path = QFile::encodeName(QDir(folder).filePath(QStringLiteral("brindlemark.lck")));
-    const QByteArray holder = "brindlemark-cli 4242 " + QSysInfo::machineHostName().toUtf8() + '\n';
+    const QByteArray holder = "brindlemark-cli 4242 " + (host.isEmpty() ? QSysInfo::machineHostName() : host).toUtf8() + '\n';
     int ready[2], release[2];
     if (::pipe(ready) != 0 || ::pipe(release) != 0) {
         ADD_FAILURE() << "no pipe for the lock holder";

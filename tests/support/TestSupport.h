@@ -70,11 +70,11 @@ class QWidget;
 void expectControlsLaidOut(QWidget* screen);
 
 // The lock of a data folder held by another process, as a second run of the program would hold
-// it ("brindlemark-cli", process 4242, this host). Returns once the lock is held, with a test
-// failure when another holds it; the holder ends with the object, and its lock with it.
+// it ("brindlemark-cli", process 4242, on this host unless told). Returns once the lock is held,
+// with a test failure when another holds it; the holder ends with the object, and its lock with it.
 class ForeignLockHolder {
 public:
-    explicit ForeignLockHolder(const QString& folder);
+    explicit ForeignLockHolder(const QString& folder, const QString& host = {});
     ~ForeignLockHolder();
     ForeignLockHolder(const ForeignLockHolder&) = delete;
     ForeignLockHolder& operator=(const ForeignLockHolder&) = delete;
