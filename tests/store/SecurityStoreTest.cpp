@@ -381,3 +381,22 @@ TEST(StoreWriting, AFailedCloseSaysWhatWasStoredAndLetsGoOfTheFolder) {
         EXPECT_THROW(w.OpenSecurity(AAA), Failure);
     }
 }
+
+// A call that needs a folder refuses without one; none looks into a folder that is not there.
+TEST(StoreWriting, CallsWithoutAFolderAreRefused) {
+    SecurityWriter w;
+    SecurityReader r;
+    const QString day = QStringLiteral("20050801");
+    const std::pair<const char*, std::function<void()>> calls[] = {
+        {"CreateSecurity", [&] { w.CreateSecurity(AAA, AAA, 1); }}, {"DeleteSecurity", [&] { w.DeleteSecurity(AAA); }},
+        {"ChangeSecurity", [&] { w.ChangeSecurity(AAA, AAA, AAA); }}, {"OpenSecurity", [&] { w.OpenSecurity(AAA); }},
+        {"FindSecurity", [&] { w.FindSecurity(AAA); }}, {"SymbolExists", [&] { w.SymbolExists(AAA); }},
+        {"AddQuote", [&] { w.AddQuote(20050801, 0, 1, 1, 1, 1, 1, 0); }}, {"DateExists", [&] { w.DateExists(day); }},
+        {"ChangeQuote", [&] { w.ChangeQuote(day, QStringLiteral("-1"), -1, 1, 1, 1, 1, 1, -1); }},
+        {"DeleteQuote", [&] { w.DeleteQuote(day); }}, {"DeleteQuotes", [&] { w.DeleteQuotes(day, day); }},
+        {"reader OpenSecurity", [&] { r.OpenSecurity(AAA); }}, {"reader FindSecurity", [&] { r.FindSecurity(AAA); }},
+        {"NextSecurity", [&] { r.NextSecurity(); }}, {"GetSecuritiesRemaining", [&] { r.GetSecuritiesRemaining(); }},
+        {"GetSymbol", [&] { r.GetSymbol(); }}, {"GetLastDate", [&] { r.GetLastDate(); }}};
+    for (const auto& [name, call] : calls)
+        EXPECT_EQ(failureText(call), "No folder is open.") << name;
+}
