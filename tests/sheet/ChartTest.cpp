@@ -294,6 +294,23 @@ TEST_F(ChartLoad, ThePaintedPictureIsTheList) {
     EXPECT_EQ(at(axisX, 20 * ty), 0u);
     EXPECT_EQ(at(axisX / 2, 20 * ty), 0xFFFFFFu) << "between two grid lines, clear of the series, nothing is drawn";
     EXPECT_EQ((std::vector<int>{grid, filled, hollow, labels}), (std::vector<int>{12, 6, 6, 4}));
+    // The line chart: ink at the middle of every sloped piece of the line.
+    chart->lineOption->click();
+    const QImage line = chart->chartPicture->grab().toImage();
+    steps.clear();
+    DrawChartSecurity(quotes, float(line.width() * tx), float(line.height() * ty), ChartSeries::Line, steps);
+    const auto inkNear = [&](float x, float y) {   // a dark pixel within one of the point, off the grid
+        for (int dx = -1; dx <= 1; ++dx)
+            for (int dy = -1; dy <= 1; ++dy)
+                if (qGray(line.pixel(qRound(x / tx) + dx, qRound(y / ty) + dy)) < 128)
+                    return true;
+        return false;
+    };
+    int sloped = 0;
+    for (const ChartStep& s : steps)
+        if (s.kind == ChartStep::Line && s.x1 != s.x2 && s.y1 != s.y2 && ++sloped)
+            EXPECT_TRUE(inkNear((2 * s.x1 + s.x2) / 3, (2 * s.y1 + s.y2) / 3)) << s.x1;
+    EXPECT_EQ(sloped, 11);
 }
 
 } // namespace
