@@ -1,6 +1,7 @@
 #include "download/BhavCopyCsv.h"
 
 #include "download/CsvFields.h"
+#include "frame/CommonRoutines.h"
 
 #include <QHash>
 
@@ -36,10 +37,11 @@ QDate tradeDate(QByteArrayView text) {
     QDate day = QDate::fromString(t, QStringLiteral("yyyy-MM-dd"));
     if (day.isValid())
         return day;
-    static const QStringList months = {"JAN", "FEB", "MAR", "APR", "MAY", "JUN", "JUL", "AUG", "SEP", "OCT", "NOV", "DEC"};
     const QStringList parts = t.split(QLatin1Char('-'));
-    if (parts.size() == 3 && months.contains(parts[1]))
-        day = QDate(parts[2].toInt(), int(months.indexOf(parts[1])) + 1, parts[0].toInt());
+    if (parts.size() == 3)
+        for (qint16 month = 1; month <= 12; ++month)
+            if (parts[1] == MonthAbbreviation(month))
+                return QDate(parts[2].toInt(), month, parts[0].toInt());
     return day;
 }
 
